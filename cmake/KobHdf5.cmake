@@ -1,0 +1,56 @@
+# SPDX-License-Identifier: BSD-3-Clause
+# Finds HDF5 and offers it as target kob_hdf5. Tried in this order: KOB_HDF5_ROOT (CMake or environment variable), what
+# CMake finds by itself, the cache folder that "./dev setup" fills.
+
+set(kob_hdf5_minimum 1.14.6)
+set(KOB_HDF5_ROOT "" CACHE PATH "Folder of the HDF5 to use; empty: environment variable, CMake's own search, cache folder")
+set(kob_hdf5_root "${KOB_HDF5_ROOT}")
+if(NOT kob_hdf5_root)
+    set(kob_hdf5_root "$ENV{KOB_HDF5_ROOT}")
+endif()
+
+if(DEFINED ENV{XDG_CACHE_HOME} AND NOT "$ENV{XDG_CACHE_HOME}" STREQUAL "")
+    set(kob_hdf5_cache "$ENV{XDG_CACHE_HOME}/kob_dp/hdf5-${kob_hdf5_minimum}")
+else()
+    set(kob_hdf5_cache "$ENV{HOME}/.cache/kob_dp/hdf5-${kob_hdf5_minimum}")
+endif()
+
+# HDF5's own version file accepts no newer minor version, so the comparison is made here.
+macro(kob_accept_hdf5)
+    if(HDF5_FOUND AND HDF5_VERSION VERSION_LESS kob_hdf5_minimum)
+        set(HDF5_FOUND FALSE)
+        unset(HDF5_DIR CACHE)
+    endif()
+endmacro()
+
+if(kob_hdf5_root)
+    unset(HDF5_DIR CACHE)
+    find_package(HDF5 CONFIG QUIET COMPONENTS C PATHS "${kob_hdf5_root}" PATH_SUFFIXES cmake NO_DEFAULT_PATH)
+    kob_accept_hdf5()
+    if(NOT HDF5_FOUND)
+        message(FATAL_ERROR " KOB_HDF5_ROOT=${kob_hdf5_root} holds no HDF5 >= ${kob_hdf5_minimum} with its CMake files; "
+                            "set it to such a folder, or leave it empty and run ./dev setup")
+    endif()
+else()
+    find_package(HDF5 CONFIG QUIET COMPONENTS C)
+    kob_accept_hdf5()
+    if(NOT HDF5_FOUND)
+        find_package(HDF5 CONFIG QUIET COMPONENTS C PATHS "${kob_hdf5_cache}" PATH_SUFFIXES cmake NO_DEFAULT_PATH)
+        kob_accept_hdf5()
+    endif()
+    if(NOT HDF5_FOUND)
+        message(FATAL_ERROR " No HDF5 >= ${kob_hdf5_minimum} found; run ./dev setup, or set KOB_HDF5_ROOT to its folder")
+    endif()
+endif()
+
+add_library(kob_hdf5 INTERFACE)
+if(TARGET hdf5-shared)
+    target_link_libraries(kob_hdf5 INTERFACE hdf5-shared)
+elseif(TARGET hdf5::hdf5-shared)
+    target_link_libraries(kob_hdf5 INTERFACE hdf5::hdf5-shared)
+elseif(TARGET hdf5-static)
+    target_link_libraries(kob_hdf5 INTERFACE hdf5-static)
+else()
+    target_link_libraries(kob_hdf5 INTERFACE hdf5::hdf5-static)
+endif()
+message(STATUS "HDF5 ${HDF5_VERSION} in ${HDF5_DIR}")
