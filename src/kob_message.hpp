@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Every line that the library prints, and the one place that prints.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+
+namespace kob {
+
+/// Formats one line to standard error.
+[[gnu::format(printf, 1, 2)]] void report_error(const char* format, ...);
+
+/// Formats one line to standard output.
+[[gnu::format(printf, 1, 2)]] void say(const char* format, ...);
+
+/// printf formats. Blanks, line ends, quotes and spelling are part of the interface: callers match these lines.
+namespace message {
+
+// blocks
+constexpr char already_exists[] = "KOB INTERNAL ERROR writing block key %d - \"%s\" already exists.\n";
+constexpr char writing_key[] = "KOB ERROR writing block key %d\n";
+constexpr char writing_name[] = "KOB ERROR writing block %s\n";
+constexpr char writing_invalid_mode[] = "KOB ERROR writing block key %d - invalid mode\n";
+constexpr char reading_invalid_mode[] = "KOB ERROR reading block key %d - invalid mode\n";
+constexpr char reading_pass[] = "KOB INTERNAL ERROR reading block with key %d \n";
+constexpr char reading_named_pass[] = "KOB INTERNAL ERROR reading \"%s\" block - ipass = %d\n";
+constexpr char header_not_found[] = "KOB ERROR - header not found\n";
+constexpr char wrong_key[] = "KOB ERROR - wrong block key %d, %d expected\n";
+constexpr char wrong_key_lower_case[] = "KOB error - wrong block key %d, %d expected\n";
+constexpr char wrong_key_swapped[] = "KOB ERROR wrong - block key %d, %d expected\n";
+constexpr char wrong_key_of_two[] = "KOB ERROR - wrong block key %d, %d or %d expected\n";
+constexpr char null_argument[] = "KOB ERROR - a required argument is null\n";
+constexpr char out_of_memory[] = "KOB ERROR - out of memory\n";
+constexpr char unexpected[] = "KOB ERROR - %s\n";
+
+// opening and closing
+constexpr char open_unknown_option[] = "\nKOB ERROR - kob_open - unknown option %d\n";
+constexpr char open_version_check[] = "\nKOB ERROR - kob_open - hdf version check failed\n";
+constexpr char open_no_version[] = "\nKOB ERROR - kob_open - unable to get hdf lib version\n";
+constexpr char open_invalid_filename[] = "\nKOB ERROR - kob_open - Invalid filename\n";
+constexpr char open_invalid_group[] = "KOB ERROR - kob_open - Invalid group name\n";
+constexpr char open_invalid_domain[] = "KOB ERROR - kob_open - Invalid domain name\n";
+constexpr char open_cannot_create_file[] = "KOB ERROR - kob_open - Cannot create file \"%s\".\n";
+constexpr char open_cannot_create_group[] = "KOB ERROR - kob_open - Cannot create group \"%s\".\n";
+constexpr char open_cannot_create_domain[] = "KOB ERROR - kob_open - Cannot create domain group \"%s\".\n";
+constexpr char open_cannot_create_link[] = "KOB ERROR - kob_open - Cannot create post link.\n";
+constexpr char open_unable[] = "KOB ERROR - kob_open - \"%s\": Unable to open kob-hdf5 file.\n";
+constexpr char open_cannot_open_group[] = " KOB ERROR - kob_open - file %s - Cannot open group \"%s\".\n";
+constexpr char open_info_version[] = "\nKOB INFO - hdf5-lib version: %u.%u.%u\n";
+constexpr char open_info_opening[] = "\nKOB INFO - opening kob-hdf5 file\n";
+constexpr char open_info_file_created[] = "KOB INFO - file \"%s\" created.\n";
+constexpr char open_info_group_created[] = "KOB INFO - group \"%s\" created.\n";
+constexpr char open_info_domain_created[] = "KOB INFO - Domain group \"%s\" created.\n";
+constexpr char open_info_trying_to_open[] = "KOB INFO - kob_open - file \"%s\" cannot be created, trying to open it.\n";
+constexpr char open_info_opened_name[] = "Opened \"%s\"\n";
+constexpr char open_info_file_opened[] = "KOB INFO - file \"%s\" opened.\n";
+constexpr char open_info_opening_group[] = "KOB INFO - opening group \"%s\"\n";
+constexpr char open_info_bounds[] =
+    "\nKOB INFO - HDF5 LIBVER bounds (earliest=%d, 18=%d, LATEST=%d) lower=%d, upper=%d\n";
+constexpr char open_info_driver[] =
+    "\nKOB INFO - HDF5 file driver (< 0 => n/a): %lld\n (%lld=CORE, %d=DIRECT, %lld=FAMILY, %lld=LOG, %d=MPIO, "
+    "%lld=MULTI, %lld=SEC2, %lld=STDIO, %lld=WINDOWS)\n\n";
+constexpr char version_check[] = "\nKOB ERROR - kob_get_version - hdf version check failed\n";
+constexpr char version_no_version[] = "\nKOB ERROR - kob_get_version - unable to get hdf lib version\n";
+constexpr char version_info_kob[] = "           KOB      version: %u.%u.%u\n";
+constexpr char version_info_build[] = "           KOB      BuildID: %s\n";
+constexpr char group_empty_name[] = "KOB ERROR - kob_h5gopen - invalid name, string must \\0 terminated\n";
+constexpr char group_invalid_length[] =
+    "KOB ERROR - kob_h5gopen - invalid len=%d must >0 or -1 for \\0 terminated strings\n";
+constexpr char group_code[] = "KOB ERROR - kob_h5gopen - code %d, group %s\n";
+constexpr char group_code_quoted[] = "KOB ERROR - kob_h5gopen - code %d, group \"%s\"\n";
+constexpr char group_invalid_ioflag[] = "KOB ERROR - kob_h5gopen - invalid ioflag %d\n";
+
+// file header
+constexpr char header_writing_code[] = "KOB ERROR writing header: %d\n";
+constexpr char header_writing[] = "KOB ERROR writing header\n";
+constexpr char header_reading[] = "KOB ERROR reading header\n";
+constexpr char header_signature[] = "KOB WARNING - wrong file signature or format\n";
+
+// directory and search
+constexpr char listing_head[] = "\n KOB INFO %s: %d blocks found - total path len: %zu\n\n";
+constexpr char listing_columns[] = "      block:   blockkey path\n";
+constexpr char listing_row[] = " %10d: %10d \"%s\"\n";
+
+// storage helpers
+constexpr char attribute_write[] =
+    "KOB INTERNAL ERROR (%d) in KOB_H5Awrite - name, kob_type, data_size, kob_size, error: %s %d %zu %zu %d\n";
+constexpr char dataset_write[] =
+    "KOB INTERNAL ERROR (%d) in KOB_H5Dwrite - name, kob_type, data_size, kob_size, mode, error: %s %d %zu %zu %d %d\n";
+constexpr char attribute_read[] =
+    "KOB INTERNAL ERROR (%d) in KOB_H5Aread - name, kob_type, data_size, error: %s %d %zu %d\n";
+constexpr char dataset_read[] =
+    "KOB INTERNAL ERROR (%d) in KOB_H5Dread - name, kob_type, data_size, error: %s %d %zu %d\n";
+constexpr char type_lookup[] = "KOB INTERNAL ERROR (%d) in KOB_H5gettype - kob_type, data_size: %d %zu\n";
+constexpr char fill_lookup[] = "KOB INTERNAL ERROR (%d) in KOB_H5getfillvalue - kob_type, data_size: %d %zu\n";
+
+} // namespace message
+} // namespace kob
