@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Typed attributes and datasets: the only place that knows datatypes, dataspaces, layouts and filters.
+//
+// Every helper returns 0 or the negative code of kob_storage_codes.hpp, after one line on standard error.
+#pragma once
+
+#include <hdf5.h>
+
+#include <cstddef>
+#include <cstdint>
+
+namespace kob {
+
+/// Type codes of the library's elements.
+namespace type_code {
+constexpr std::int32_t text = 1;    // fixed length, blank padded
+constexpr std::int32_t integer = 2; // signed, 4 or 8 bytes
+constexpr std::int32_t real = 3;    // 4 or 8 bytes
+} // namespace type_code
+
+/// How a dataset is accessed.
+namespace access_mode {
+constexpr std::int32_t whole = 0;
+constexpr std::int32_t block = 1;  // one block of a hyperslab: count and start, rank entries each
+constexpr std::int32_t points = 2; // list of points: count[0] points, start holds their coordinates
+} // namespace access_mode
+
+/// Bits of the filter flags word.
+namespace filter_flag {
+constexpr std::int32_t deflate_integer = 1;
+constexpr std::int32_t deflate_real = 2;
+constexpr std::int32_t deflate_text = 4;
+constexpr std::int32_t shuffle_integer = 8;
+constexpr std::int32_t shuffle_real = 16;
+constexpr std::int32_t shuffle_text = 32;
+constexpr std::int32_t scale_offset_integer = 64;
+constexpr std::int32_t scale_offset_real = 128;
+} // namespace filter_flag
+
+/// Marks a growable dimension among the extents of a dataset.
+constexpr hsize_t growable = H5S_UNLIMITED;
+
+/// What a writer knows about the place it writes to.
+enum class Place {
+    unknown, ///< an object of that name may exist: look, and reuse it
+    fresh,   ///< the group was created by this call: nothing can be there
+};
+
+/// Does a failed read print its line?
+enum class Report { loud, silent };
+
+/// Predefined native type and class of a type code and element size; the type is not owned by the caller.
+std::int32_t KOB_H5gettype(std::int32_t kob_type, std::size_t size, H5T_class_t& type_class, hid_t& type);
+
+/// Writes the fill value of filtered datasets, 10000, in the requested numeric form.
+std::int32_t KOB_H5getfillvalue(std::int32_t kob_type, std::size_t size, void* value);
+
+/// Writes an attribute; an existing one of the same class and shape is overwritten in place.
+std::int32_t KOB_H5Awrite(const char* name, const void* data, std::int32_t kob_type, std::size_t data_size,
+                          std::size_t kob_size, const hsize_t* dims, std::int32_t rank, hid_t location,
+                          Place place = Place::unknown);
+
+/// Writes a dataset, or a block or points of it; an existing one is reused, a growable one is extended.
+/// In a growable dimension start and coordinates count from the current end and may be negative.
+std::int32_t KOB_H5Dwrite(const char* name, const void* data, std::int32_t kob_type, std::size_t data_size,
+                          std::size_t kob_size, const hsize_t* dims, std::int32_t rank, const std::int64_t* count,
+                          const std::int64_t* start, std::int32_t mode, hid_t location, std::int32_t filter_flags,
+                          const std::int32_t* filter_params, Place place = Place::unknown);
+
+/// Reads an attribute of the expected shape; rank 0 expects one element. `stored_size` may be null.
+std::int32_t KOB_H5Aread(const char* name, void* data, std::int32_t kob_type, std::size_t data_size,
+                         const hsize_t* dims, std::int32_t rank, hid_t location, std::uint64_t* stored_size,
+                         Report report = Report::loud);
+
+/// Reads a dataset of the expected shape, or a block or points of it. The last three outputs may be null;
+/// asking for no filter report saves HDF5 the look at the creation properties.
+std::int32_t KOB_H5Dread(const char* name, void* data, std::int32_t kob_type, std::size_t data_size,
+                         const hsize_t* dims, std::int32_t rank, const std::int64_t* count, const std::int64_t* start,
+                         std::int32_t mode, hid_t location, std::int32_t* filter_flags, std::int32_t* filter_params,
+                         std::uint64_t* stored_size, Report report = Report::loud);
+
+/// Is there a link of this name in the group? A failed look counts as no.
+bool has_link(hid_t location, const char* name) noexcept;
+
+/// Elements of a stored dataset, or -1 when there is none of that name.
+std::int64_t count_elements(hid_t location, const char* name) noexcept;
+
+/// Is there an attribute of this name?
+bool has_attribute(hid_t location, const char* name) noexcept;
+
+/// Makes `name` in `to` a second name of the object `name` in `from`. Negative on failure.
+herr_t share_link(hid_t from, hid_t to, const char* name) noexcept;
+
+} // namespace kob

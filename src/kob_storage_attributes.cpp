@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Typed attributes.
+#include "kob_message.hpp"
+#include "kob_storage_codes.hpp"
+#include "kob_storage_types.hpp"
+
+#include <algorithm>
+
+namespace kob {
+
+std::int32_t KOB_H5Awrite(const char* name, const void* data, std::int32_t kob_type, std::size_t data_size,
+                          std::size_t kob_size, const hsize_t* dims, std::int32_t rank, hid_t location, Place place)
+{
+    using namespace attribute_write;
+    const auto refuse = [&](Condition condition, std::int32_t quantity = -1) {
+        report_error(message::attribute_write, condition.number, name, kob_type, data_size, kob_size, quantity);
+        return condition.code;
+    };
+
+    if (is_empty(dims, rank)) {
+        return 0;
+    }
+    H5T_class_t type_class{};
+    hid_t memory = H5I_INVALID_HID;
+    hid_t native = H5I_INVALID_HID;
+    if (KOB_H5gettype(kob_type, data_size, type_class, memory) != 0) {
+        return refuse(memory_type);
+    }
+    if (KOB_H5gettype(kob_type, kob_size, type_class, native) != 0) {
+        return refuse(file_type);
+    }
+    if (kob_type != type_code::real && data_size > kob_size) {
+        return refuse(narrower_file, printable(data_size));
+    }
+
+    Id attribute;
+    FileType stored;
+    std::vector<char> texts;
+    const void* source = data;
+    if (place == Place::unknown && has_attribute(location, name)) {
+        attribute = Id{H5Aopen(location, name, H5P_DEFAULT), H5Aclose};
+        stored.owned = Id{H5Aget_type(attribute.get()), H5Tclose};
+        stored.type = stored.owned.get();
+        if (const H5T_class_t found = stored_class(stored.type); found != type_class) {
+            return refuse(other_class, found);
+        }
+        const Id space{H5Aget_space(attribute.get()), H5Sclose};
+        const StoredShape shape = stored_shape(space.get());
+        if (rank > 0 ? shape.rank != rank : shape.elements != 1) {
+            return refuse(other_rank, shape.rank);
+        }
+        if (const std::int32_t differing = rank > 0 ? first_difference(shape, dims) : -1; differing >= 0) {
+            return refuse(other_extent, differing);
+        }
+        if (const std::size_t size = H5Tget_size(stored.type); kob_type == type_code::text && size != kob_size) {
+            texts = repacked_texts(data, static_cast<std::size_t>(shape.elements), kob_size, size);
+            source = texts.data();
+        }
+    } else {
+        const Id space{rank > 0 ? H5Screate_simple(rank, dims, nullptr) : H5Screate(H5S_SCALAR), H5Sclose};
+        if (!space) {
+            return refuse(dataspace, printable(static_cast<std::uint64_t>(rank)));
+        }
+        stored = stored_type_for(kob_type, native, kob_size);
+        attribute = Id{H5Acreate2(location, name, stored.type, space.get(), H5P_DEFAULT, H5P_DEFAULT), H5Aclose};
+        if (!attribute) {
+            return refuse(create);
+        }
+    }
+
+    // A text is handed over as it is stored; numbers are converted from the caller's size.
+    const hid_t transferred = kob_type == type_code::text ? stored.type : memory;
+    if (const herr_t result = H5Awrite(attribute.get(), transferred, source); result < 0) {
+        return refuse(write, result);
+    }
+    if (const herr_t result = attribute.close(); result < 0) {
+        return refuse(write, result);
+    }
+    return 0;
+}
+
+std::int32_t KOB_H5Aread(const char* name, void* data, std::int32_t kob_type, std::size_t data_size,
+                         const hsize_t* dims, std::int32_t rank, hid_t location, std::uint64_t* stored_size,
+                         Report report)
+{
+    using namespace attribute_read;
+    const auto refuse = [&](Condition condition, std::int32_t quantity = -1) {
+        if (report == Report::loud) {
+            report_error(message::attribute_read, condition.number, name, kob_type, data_size, quantity);
+        }
+        return condition.code;
+    };
+
+    if (is_empty(dims, rank)) {
+        return 0;
+    }
+    H5T_class_t type_class{};
+    hid_t memory = H5I_INVALID_HID;
+    if (KOB_H5gettype(kob_type, data_size, type_class, memory) != 0) {
+        return refuse(memory_type);
+    }
+    const Id attribute{H5Aopen(location, name, H5P_DEFAULT), H5Aclose};
+    if (!attribute) {
+        return refuse(missing);
+    }
+    const Id stored{H5Aget_type(attribute.get()), H5Tclose};
+    if (const H5T_class_t found = stored_class(stored.get()); found != type_class) {
+        return refuse(other_class, found);
+    }
+    const std::size_t size = H5Tget_size(stored.get());
+    if (stored_size != nullptr) {
+        *stored_size = size;
+    }
+    if (kob_type != type_code::real && size > data_size) {
+        return refuse(kob_type == type_code::text ? wider_text : wider_integer, printable(size));
+    }
+    const Id space{H5Aget_space(attribute.get()), H5Sclose};
+    const StoredShape shape = stored_shape(space.get());
+    if (rank > 0 ? shape.rank != rank : shape.elements != 1) {
+        return refuse(other_rank, shape.rank);
+    }
+    if (const std::int32_t differing = rank > 0 ? first_difference(shape, dims) : -1; differing >= 0) {
+        return refuse(other_extent, differing);
+    }
+    const hid_t transferred = kob_type == type_code::text ? stored.get() : memory;
+    if (const herr_t result = H5Aread(attribute.get(), transferred, data); result < 0) {
+        return refuse(read, result);
+    }
+    if (kob_type == type_code::text && rank == 0) {
+        std::fill_n(static_cast<char*>(data) + size, data_size - size, ' ');
+    }
+    return 0;
+}
+
+} // namespace kob

@@ -1,0 +1,409 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Typed datasets: whole, a block of a hyperslab, or a list of points.
+#include "kob_message.hpp"
+#include "kob_storage_codes.hpp"
+#include "kob_storage_filters.hpp"
+#include "kob_storage_types.hpp"
+
+#include <algorithm>
+#include <utility>
+
+namespace kob {
+namespace {
+
+/// Which elements of a dataset a call transfers, in absolute positions, and how they lie in memory.
+class Selection {
+public:
+    Selection(std::int32_t mode, std::int32_t rank, const std::int64_t* count, const std::int64_t* start)
+        : mode_{mode}, rank_{rank < 0 ? 0U : std::min<std::size_t>(static_cast<std::size_t>(rank), H5S_MAX_RANK)}
+    {
+        if (mode_ == access_mode::block) {
+            for (std::size_t i = 0; i < rank_; ++i) {
+                count_[i] = static_cast<hsize_t>(count[i]);
+                start_[i] = start[i];
+            }
+        } else if (mode_ == access_mode::points) {
+            points_ = static_cast<hsize_t>(count[0]);
+            coordinates_ = start;
+        }
+    }
+
+    [[nodiscard]] bool is_empty() const
+    {
+        if (mode_ == access_mode::block) {
+            return std::find(count_.begin(), count_.begin() + static_cast<std::ptrdiff_t>(rank_), hsize_t{0}) !=
+                   count_.begin() + static_cast<std::ptrdiff_t>(rank_);
+        }
+        return mode_ == access_mode::points && points_ == 0;
+    }
+
+    /// Turns positions into absolute ones against the present extents. In a growable dimension they count from the
+    /// current end, and `extents` grows to cover them. False when a position lies outside; `outside` tells the dimension.
+    bool place(std::span<hsize_t> extents, std::span<const hsize_t> maximum, std::int32_t& outside)
+    {
+        first_.fill(0);
+        if (mode_ == access_mode::block) {
+            for (std::size_t i = 0; i < rank_; ++i) {
+                if (!place_one(start_[i], count_[i], extents[i], extents[i], maximum[i] == growable, first_[i])) {
+                    outside = static_cast<std::int32_t>(i);
+                    return false;
+                }
+            }
+            return true;
+        }
+        if (mode_ == access_mode::points) {
+            return place_points(extents, maximum, outside);
+        }
+        return true;
+    }
+
+    /// The dataspace in the file with the selection made in it.
+    [[nodiscard]] bool select(hid_t file_space) const
+    {
+        if (mode_ == access_mode::block) {
+            return H5Sselect_hyperslab(file_space, H5S_SELECT_SET, first_.data(), nullptr, count_.data(), nullptr) >= 0;
+        }
+        return H5Sselect_elements(file_space, H5S_SELECT_SET, static_cast<std::size_t>(points_), placed_.data()) >= 0;
+    }
+
+    /// The caller's buffer: counts below 2 are no dimension of it.
+    [[nodiscard]] Id memory_space() const
+    {
+        if (mode_ == access_mode::points) {
+            return Id{H5Screate_simple(1, &points_, nullptr), H5Sclose};
+        }
+        std::array<hsize_t, H5S_MAX_RANK> squeezed{};
+        int rank = 0;
+        for (std::size_t i = 0; i < rank_; ++i) {
+            if (count_[i] >= 2) {
+                squeezed[static_cast<std::size_t>(rank++)] = count_[i];
+            }
+        }
+        return Id{rank == 0 ? H5Screate(H5S_SCALAR) : H5Screate_simple(rank, squeezed.data(), nullptr), H5Sclose};
+    }
+
+private:
+    static bool place_one(std::int64_t start, hsize_t count, hsize_t end, hsize_t& extent, bool grows, hsize_t& first)
+    {
+        if (!grows) {
+            first = static_cast<hsize_t>(start); // a negative start counts as very large
+            return first < end && count <= end - first;
+        }
+        // The end of a stored dimension fits into 63 bits: HDF5's own limit on extents in use.
+        std::int64_t from = 0;
+        hsize_t reach = 0;
+        if (__builtin_add_overflow(start, static_cast<std::int64_t>(end), &from) || from < 0 ||
+            __builtin_add_overflow(static_cast<hsize_t>(from), count, &reach) || reach > INT64_MAX) {
+            return false;
+        }
+        first = static_cast<hsize_t>(from);
+        extent = std::max(extent, reach);
+        return true;
+    }
+
+    bool place_points(std::span<hsize_t> extents, std::span<const hsize_t> maximum, std::int32_t& outside)
+    {
+        hsize_t entries = 0;
+        if (__builtin_mul_overflow(points_, static_cast<hsize_t>(rank_), &entries) || entries > PTRDIFF_MAX / 8) {
+            outside = -1;
+            return false;
+        }
+        std::array<hsize_t, H5S_MAX_RANK> end{};
+        std::copy(extents.begin(), extents.end(), end.begin());
+        placed_.resize(static_cast<std::size_t>(entries));
+        for (std::size_t entry = 0; entry < placed_.size(); ++entry) {
+            const std::size_t i = entry % rank_;
+            if (!place_one(coordinates_[entry], 1, end[i], extents[i], maximum[i] == growable, placed_[entry])) {
+                outside = static_cast<std::int32_t>(i);
+                return false;
+            }
+        }
+        return true;
+    }
+
+    std::int32_t mode_;
+    std::size_t rank_;
+    std::array<hsize_t, H5S_MAX_RANK> count_{};
+    std::array<std::int64_t, H5S_MAX_RANK> start_{};
+    std::array<hsize_t, H5S_MAX_RANK> first_{};
+    hsize_t points_ = 0;
+    const std::int64_t* coordinates_ = nullptr;
+    std::vector<hsize_t> placed_;
+};
+
+/// The arguments of one dataset write.
+struct DatasetCall {
+    const char* name;
+    const void* data;
+    std::int32_t kob_type;
+    std::size_t data_size;
+    std::size_t kob_size;
+    const hsize_t* dims;
+    std::int32_t rank;
+    std::int32_t mode;
+    hid_t location;
+    std::int32_t filter_flags;
+    const std::int32_t* filter_params;
+    Selection selection;
+};
+
+/// One dataset write: reuses or creates the dataset, then transfers.
+class DatasetWrite : private DatasetCall {
+public:
+    explicit DatasetWrite(DatasetCall call) : DatasetCall{std::move(call)} {}
+
+    std::int32_t run(Place place)
+    {
+        using namespace dataset_write;
+        if (kob::is_empty(dims, rank) || selection.is_empty()) {
+            return 0;
+        }
+        if (dims != nullptr && mode == access_mode::whole && rank > 0 &&
+            std::find(dims, dims + rank, growable) != dims + rank) {
+            return refuse(unlimited_whole);
+        }
+        if (KOB_H5gettype(kob_type, data_size, type_class_, memory_) != 0) {
+            return refuse(memory_type);
+        }
+        if (KOB_H5gettype(kob_type, kob_size, type_class_, native_) != 0) {
+            return refuse(file_type);
+        }
+        if (kob_type != type_code::real && data_size > kob_size) {
+            return refuse(narrower_file, printable(data_size));
+        }
+        const bool exists = place == Place::unknown && has_link(location, name);
+        if (!exists && dims == nullptr) {
+            return refuse(no_dims);
+        }
+        const std::int32_t result = exists ? open() : create();
+        return result != 0 ? result : transfer();
+    }
+
+private:
+    std::int32_t refuse(Condition condition, std::int32_t quantity = -1) const
+    {
+        report_error(message::dataset_write, condition.number, name, kob_type, data_size, kob_size, mode, quantity);
+        return condition.code;
+    }
+
+    std::int32_t open()
+    {
+        using namespace dataset_write;
+        dataset_ = Id{H5Dopen2(location, name, H5P_DEFAULT), H5Dclose};
+        stored_.owned = Id{H5Dget_type(dataset_.get()), H5Tclose};
+        stored_.type = stored_.owned.get();
+        if (const H5T_class_t found = stored_class(stored_.type); found != type_class_) {
+            return refuse(other_class, found);
+        }
+        const Id space{H5Dget_space(dataset_.get()), H5Sclose};
+        StoredShape shape = stored_shape(space.get());
+        if (rank > 0 ? shape.rank != rank : shape.elements != 1) {
+            return refuse(other_rank, shape.rank);
+        }
+        const auto used = static_cast<std::size_t>(std::max(shape.rank, 0));
+        const std::span<hsize_t> extents{shape.extents.data(), used};
+        const auto before = shape.extents;
+        if (mode == access_mode::whole) {
+            const std::int32_t differing = rank > 0 && dims != nullptr ? first_difference(shape, dims) : -1;
+            if (differing >= 0) {
+                return refuse(other_extent, differing);
+            }
+        } else if (std::int32_t outside = -1; !selection.place(extents, {shape.maximum.data(), used}, outside)) {
+            return refuse(mode == access_mode::block ? block_outside : point_outside, outside);
+        }
+        if (before != shape.extents) {
+            if (const herr_t result = H5Dset_extent(dataset_.get(), shape.extents.data()); result < 0) {
+                return refuse(extend, result);
+            }
+        }
+        elements_ = product(extents);
+        return 0;
+    }
+
+    std::int32_t create()
+    {
+        using namespace dataset_write;
+        if (rank < 0 || rank > H5S_MAX_RANK) {
+            return refuse(create_dataspace, rank);
+        }
+        const auto used = static_cast<std::size_t>(rank);
+        std::array<hsize_t, H5S_MAX_RANK> extents{};
+        const std::span<const hsize_t> maximum{dims, used};
+        for (std::size_t i = 0; i < used; ++i) {
+            extents[i] = dims[i] == growable ? 0 : dims[i];
+            // Extents are signed 64-bit numbers to HDF5's users; what a negative count becomes is none.
+            if (extents[i] > INT64_MAX) {
+                return refuse(create_dataspace, static_cast<std::int32_t>(i));
+            }
+        }
+        if (mode != access_mode::whole) {
+            std::int32_t outside = -1;
+            if (!selection.place({extents.data(), used}, maximum, outside)) {
+                return refuse(mode == access_mode::block ? block_outside : point_outside, outside);
+            }
+        }
+        const Id space{rank > 0 ? H5Screate_simple(rank, extents.data(), dims) : H5Screate(H5S_SCALAR), H5Sclose};
+        if (!space) {
+            return refuse(create_dataspace);
+        }
+        stored_ = stored_type_for(kob_type, native_, kob_size);
+        if (stored_.type < 0) {
+            return refuse(type_order);
+        }
+        elements_ = product({extents.data(), used});
+        Id properties;
+        const LayoutRequest request{kob_type,     kob_size,  {extents.data(), used},
+                                    maximum,      elements_, filter_request(kob_type, filter_flags, elements_),
+                                    filter_params};
+        if (const Refusal refusal = creation_properties(request, properties)) {
+            return refuse(refusal.condition, refusal.quantity);
+        }
+        dataset_ = Id{H5Dcreate2(location, name, stored_.type, space.get(), H5P_DEFAULT, properties.get(), H5P_DEFAULT),
+                      H5Dclose};
+        return dataset_ ? 0 : refuse(dataset_write::create);
+    }
+
+    std::int32_t transfer()
+    {
+        using namespace dataset_write;
+        Id file;
+        Id memory;
+        if (mode != access_mode::whole) {
+            file = Id{H5Dget_space(dataset_.get()), H5Sclose};
+            if (!file || !selection.select(file.get())) {
+                return refuse(file_dataspace);
+            }
+            memory = selection.memory_space();
+            if (!memory) {
+                return refuse(memory_dataspace);
+            }
+        }
+        // A text is handed over as it is stored; numbers are converted from the caller's size.
+        hid_t transferred = memory_;
+        const void* source = data;
+        std::vector<char> texts;
+        if (kob_type == type_code::text) {
+            transferred = stored_.type;
+            const std::size_t size = H5Tget_size(stored_.type);
+            if (size != kob_size && data != nullptr) {
+                const hssize_t elements =
+                    mode == access_mode::whole ? static_cast<hssize_t>(elements_) : H5Sget_select_npoints(file.get());
+                texts = repacked_texts(data, static_cast<std::size_t>(elements), kob_size, size);
+                source = texts.data();
+            }
+        }
+        const herr_t result = H5Dwrite(dataset_.get(), transferred, mode == access_mode::whole ? H5S_ALL : memory.get(),
+                                       mode == access_mode::whole ? H5S_ALL : file.get(), H5P_DEFAULT, source);
+        if (result < 0) {
+            return refuse(write, result);
+        }
+        // HDF5 may learn only now that the disk is full.
+        if (const herr_t closed = dataset_.close(); closed < 0) {
+            return refuse(write, closed);
+        }
+        return 0;
+    }
+
+    H5T_class_t type_class_{};
+    hid_t memory_ = H5I_INVALID_HID;
+    hid_t native_ = H5I_INVALID_HID;
+    Id dataset_;
+    FileType stored_;
+    hsize_t elements_ = 0;
+};
+
+} // namespace
+
+std::int32_t KOB_H5Dwrite(const char* name, const void* data, std::int32_t kob_type, std::size_t data_size,
+                          std::size_t kob_size, const hsize_t* dims, std::int32_t rank, const std::int64_t* count,
+                          const std::int64_t* start, std::int32_t mode, hid_t location, std::int32_t filter_flags,
+                          const std::int32_t* filter_params, Place place)
+{
+    return DatasetWrite{{name, data, kob_type, data_size, kob_size, dims, rank, mode, location, filter_flags,
+                         filter_params, Selection{mode, rank, count, start}}}
+        .run(place);
+}
+
+std::int32_t KOB_H5Dread(const char* name, void* data, std::int32_t kob_type, std::size_t data_size,
+                         const hsize_t* dims, std::int32_t rank, const std::int64_t* count, const std::int64_t* start,
+                         std::int32_t mode, hid_t location, std::int32_t* filter_flags, std::int32_t* filter_params,
+                         std::uint64_t* stored_size, Report report)
+{
+    using namespace dataset_read;
+    const auto refuse = [&](Condition condition, std::int32_t quantity = -1) {
+        if (report == Report::loud) {
+            report_error(message::dataset_read, condition.number, name, kob_type, data_size, quantity);
+        }
+        return condition.code;
+    };
+
+    Selection chosen{mode, rank, count, start};
+    if (is_empty(dims, rank) || chosen.is_empty()) {
+        return 0;
+    }
+    H5T_class_t type_class{};
+    hid_t memory = H5I_INVALID_HID;
+    if (KOB_H5gettype(kob_type, data_size, type_class, memory) != 0) {
+        return refuse(memory_type);
+    }
+    if (!has_link(location, name)) {
+        return refuse(missing);
+    }
+    const Id dataset{H5Dopen2(location, name, H5P_DEFAULT), H5Dclose};
+    const Id stored{H5Dget_type(dataset.get()), H5Tclose};
+    if (const H5T_class_t found = stored_class(stored.get()); found != type_class) {
+        return refuse(other_class, found);
+    }
+    const std::size_t size = H5Tget_size(stored.get());
+    if (stored_size != nullptr) {
+        *stored_size = size;
+    }
+    if (kob_type != type_code::real && size > data_size) {
+        return refuse(kob_type == type_code::text ? wider_text : wider_integer, printable(size));
+    }
+
+    const Id space{H5Dget_space(dataset.get()), H5Sclose};
+    StoredShape shape = stored_shape(space.get());
+    if (rank > 0 ? shape.rank != rank : shape.elements != 1) {
+        return refuse(other_rank, shape.rank);
+    }
+    const auto used = static_cast<std::size_t>(std::max(shape.rank, 0));
+    if (mode == access_mode::whole) {
+        if (const std::int32_t differing = rank > 0 ? first_difference(shape, dims) : -1; differing >= 0) {
+            return refuse(other_extent, differing);
+        }
+    } else {
+        // A read grows nothing: every dimension counts as fixed at its present extent.
+        const auto fixed = shape.extents;
+        std::int32_t outside = -1;
+        if (!chosen.place({shape.extents.data(), used}, {fixed.data(), used}, outside)) {
+            return refuse(mode == access_mode::block ? block_outside : point_outside, outside);
+        }
+    }
+
+    if (filter_flags != nullptr && filter_params != nullptr) {
+        if (const Refusal refusal = report_filters(dataset.get(), kob_type, *filter_flags, filter_params)) {
+            return refuse(refusal.condition, refusal.quantity);
+        }
+    }
+
+    Id memory_space;
+    if (mode != access_mode::whole) {
+        memory_space = chosen.memory_space();
+        if (!memory_space || !chosen.select(space.get())) {
+            return refuse(selection);
+        }
+    }
+    const hid_t transferred = kob_type == type_code::text ? stored.get() : memory;
+    const herr_t result = H5Dread(dataset.get(), transferred, mode == access_mode::whole ? H5S_ALL : memory_space.get(),
+                                  mode == access_mode::whole ? H5S_ALL : space.get(), H5P_DEFAULT, data);
+    if (result < 0) {
+        return refuse(read, result);
+    }
+    if (kob_type == type_code::text && rank == 0) {
+        std::fill_n(static_cast<char*>(data) + size, data_size - size, ' ');
+    }
+    return 0;
+}
+
+} // namespace kob

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Filters, layout and chunks: from a request to creation properties, and back from what is stored.
+#pragma once
+
+#include "kob_id.hpp"
+#include "kob_storage_codes.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace kob {
+
+/// What a filter flags word asks for one type code.
+struct FilterRequest {
+    bool scale_offset = false;
+    bool shuffle = false;
+    bool deflate = false;
+
+    [[nodiscard]] bool any() const { return scale_offset || shuffle || deflate; }
+};
+
+/// The bits that concern one type code; a zero bit asks for nothing.
+struct FilterBits {
+    std::int32_t scale_offset = 0;
+    std::int32_t shuffle = 0;
+    std::int32_t deflate = 0;
+};
+FilterBits filter_bits(std::int32_t kob_type) noexcept;
+
+/// The request of a type code; small datasets are never filtered.
+FilterRequest filter_request(std::int32_t kob_type, std::int32_t filter_flags, hsize_t elements) noexcept;
+
+/// A condition that was met, with the quantity to print; code 0 when none was.
+struct Refusal {
+    Condition condition{0, 0};
+    std::int32_t quantity = -1;
+
+    explicit operator bool() const { return condition.code != 0; }
+};
+
+/// What a new dataset is laid out for.
+struct LayoutRequest {
+    std::int32_t kob_type;
+    std::size_t kob_size;
+    std::span<const hsize_t> extents; ///< current extents
+    std::span<const hsize_t> maximum; ///< `growable` where they grow
+    hsize_t elements;
+    FilterRequest filters;
+    const std::int32_t* filter_params; ///< decimal scale factor, deflate level
+};
+
+/// Creation properties of a new dataset.
+Refusal creation_properties(const LayoutRequest& request, Id& properties);
+
+/// Chunk extent of a fixed dimension of a growable dataset.
+hsize_t chunk_extent(hsize_t extent) noexcept;
+
+/// The filters of a stored dataset as flags and parameters.
+Refusal report_filters(hid_t dataset, std::int32_t kob_type, std::int32_t& filter_flags, std::int32_t* filter_params);
+
+} // namespace kob

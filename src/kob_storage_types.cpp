@@ -1,0 +1,170 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Type codes and their HDF5 types, the fill value, and small questions about stored objects.
+#include "kob_storage_types.hpp"
+
+#include "kob_message.hpp"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+namespace kob {
+namespace {
+
+enum LookupFailure : std::int32_t { bad_integer_size = 1, bad_real_size = 2, unknown_code = 3 };
+
+constexpr int fill_number = 10000;
+
+// The failure of a lookup, or 0. Text sizes come from callers' int32 arguments: a negative one arrives as a huge size.
+std::int32_t lookup_failure(std::int32_t kob_type, std::size_t size)
+{
+    const bool is_number_size = size == 4 || size == 8;
+    switch (kob_type) {
+    case type_code::text:
+        return static_cast<std::ptrdiff_t>(size) < 1 ? unknown_code : 0;
+    case type_code::integer:
+        return is_number_size ? 0 : bad_integer_size;
+    case type_code::real:
+        return is_number_size ? 0 : bad_real_size;
+    default:
+        return unknown_code;
+    }
+}
+
+template <class Number> void store_fill(void* value)
+{
+    const auto number = static_cast<Number>(fill_number);
+    std::memcpy(value, &number, sizeof number);
+}
+
+} // namespace
+
+std::int32_t KOB_H5gettype(std::int32_t kob_type, std::size_t size, H5T_class_t& type_class, hid_t& type)
+{
+    if (const std::int32_t failure = lookup_failure(kob_type, size); failure != 0) {
+        report_error(message::type_lookup, failure, kob_type, size);
+        return -1;
+    }
+    switch (kob_type) {
+    case type_code::text:
+        type_class = H5T_STRING;
+        type = H5T_C_S1;
+        break;
+    case type_code::integer:
+        type_class = H5T_INTEGER;
+        type = size == 4 ? H5T_NATIVE_INT : H5T_NATIVE_LLONG;
+        break;
+    default:
+        type_class = H5T_FLOAT;
+        type = size == 4 ? H5T_NATIVE_FLOAT : H5T_NATIVE_DOUBLE;
+        break;
+    }
+    return 0;
+}
+
+std::int32_t KOB_H5getfillvalue(std::int32_t kob_type, std::size_t size, void* value)
+{
+    const std::int32_t failure = kob_type == type_code::text ? unknown_code : lookup_failure(kob_type, size);
+    if (failure != 0) {
+        report_error(message::fill_lookup, failure, kob_type, size);
+        return -1;
+    }
+    if (kob_type == type_code::integer) {
+        size == 4 ? store_fill<std::int32_t>(value) : store_fill<std::int64_t>(value);
+    } else {
+        size == 4 ? store_fill<float>(value) : store_fill<double>(value);
+    }
+    return 0;
+}
+
+FileType stored_type_for(std::int32_t kob_type, hid_t native, std::size_t size)
+{
+    FileType result;
+    if (kob_type == type_code::text) {
+        result.owned = Id{H5Tcopy(native), H5Tclose};
+        if (result.owned && H5Tset_size(result.owned.get(), size) >= 0 &&
+            H5Tset_strpad(result.owned.get(), H5T_STR_SPACEPAD) >= 0) {
+            result.type = result.owned.get();
+        }
+    } else if constexpr (std::endian::native == std::endian::little) {
+        result.type = native;
+    } else {
+        result.owned = Id{H5Tcopy(native), H5Tclose};
+        if (result.owned && H5Tset_order(result.owned.get(), H5T_ORDER_LE) >= 0) {
+            result.type = result.owned.get();
+        }
+    }
+    return result;
+}
+
+H5T_class_t stored_class(hid_t type) noexcept { return H5Tis_variable_str(type) > 0 ? H5T_VLEN : H5Tget_class(type); }
+
+StoredShape stored_shape(hid_t space) noexcept
+{
+    StoredShape shape;
+    shape.rank = H5Sget_simple_extent_dims(space, shape.extents.data(), shape.maximum.data());
+    shape.elements = H5Sget_simple_extent_npoints(space);
+    return shape;
+}
+
+std::int32_t first_difference(const StoredShape& stored, const hsize_t* dims) noexcept
+{
+    for (std::int32_t i = 0; i < stored.rank; ++i) {
+        if (stored.extents[static_cast<std::size_t>(i)] != dims[i]) {
+            return i;
+        }
+    }
+    return -1;
+}
+
+hsize_t product(std::span<const hsize_t> extents) noexcept
+{
+    hsize_t result = 1;
+    for (const hsize_t extent : extents) {
+        if (__builtin_mul_overflow(result, extent, &result)) {
+            return no_count;
+        }
+    }
+    return result;
+}
+
+bool is_empty(const hsize_t* dims, std::int32_t rank) noexcept
+{
+    return dims != nullptr && rank > 0 && std::find(dims, dims + rank, hsize_t{0}) != dims + rank;
+}
+
+std::int32_t printable(std::uint64_t quantity) noexcept
+{
+    return static_cast<std::int32_t>(std::min<std::uint64_t>(quantity, INT32_MAX));
+}
+
+std::vector<char> repacked_texts(const void* data, std::size_t elements, std::size_t from, std::size_t to)
+{
+    std::vector<char> result(elements * to, ' ');
+    const auto* source = static_cast<const char*>(data);
+    for (std::size_t i = 0; i < elements; ++i) {
+        std::copy_n(source + i * from, std::min(from, to), result.data() + i * to);
+    }
+    return result;
+}
+
+bool has_link(hid_t location, const char* name) noexcept { return H5Lexists(location, name, H5P_DEFAULT) > 0; }
+
+std::int64_t count_elements(hid_t location, const char* name) noexcept
+{
+    if (!has_link(location, name)) {
+        return -1;
+    }
+    const Id dataset{H5Dopen2(location, name, H5P_DEFAULT), H5Dclose};
+    const Id space{H5Dget_space(dataset.get()), H5Sclose};
+    return H5Sget_simple_extent_npoints(space.get());
+}
+
+bool has_attribute(hid_t location, const char* name) noexcept { return H5Aexists(location, name) > 0; }
+
+herr_t share_link(hid_t from, hid_t to, const char* name) noexcept
+{
+    return H5Lcreate_hard(from, name, to, name, H5P_DEFAULT, H5P_DEFAULT);
+}
+
+} // namespace kob
