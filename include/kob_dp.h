@@ -401,7 +401,7 @@ KOB_API void KOB1_FLUSH(const int64_t* handle, const int32_t* scope, int32_t* st
  *  @param[in]  selector int32 [1], 1: the build identifier; 2: "HDF5-1.14.6"; 4: "KOB-2.2.16"; 6: "HDF5-1.14.6
  *                       KOB-2.2.16"; any other: "kob__dp HDF5-1.14.6 KOB-2.2.16" (with the running HDF5 version)
  *  @param[in]  verbose  int32 [1], positive: also print the versions on standard output
- *  @param[out] status   int32 [1], 0; -998 HDF5 older than 1.14.6; -999 its version is unknown. Text is set with 0 */
+ *  @param[out] status   int32 [1], 0; -998 HDF5 older than 1.14.6; -999 its version is unknown; text is set only with 0 */
 KOB_API void KOB_GET_VERSION(char* text, const int32_t* selector, const int32_t* verbose, int32_t* status);
 
 /** Opens a group by its path, and can create what is missing of it.

@@ -1,0 +1,361 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The verbs of Writer and Reader, in terms of the storage layer.
+#include "kob_block.hpp"
+
+#include <bit>
+#include <cstring>
+
+namespace kob {
+
+void Shape::append(Extent extent)
+{
+    if (rank_ > H5S_MAX_RANK) {
+        return;
+    }
+    const auto i = static_cast<std::size_t>(rank_++);
+    dims_[i] = extent.grows ? growable : static_cast<hsize_t>(extent.count);
+    grows_[i] = extent.grows;
+}
+
+bool Shape::is_empty() const
+{
+    for (std::int32_t i = 0; i < rank_; ++i) {
+        if (dims_[static_cast<std::size_t>(i)] == 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
+Shape Shape::without_markers() const
+{
+    Shape result = *this;
+    for (std::size_t i = 0; i < static_cast<std::size_t>(rank_); ++i) {
+        if (!grows_[i] && dims_[i] == growable) {
+            result.dims_[i] = growable - 1;
+        }
+    }
+    return result;
+}
+
+Filters::Filters(const std::int32_t* filter_flags, const std::int32_t* filter_params)
+{
+    if (filter_flags != nullptr) {
+        flags = *filter_flags;
+    }
+    if (filter_params != nullptr) {
+        params = {filter_params[0], filter_params[1]};
+    }
+}
+
+std::size_t stored_float(const std::int32_t* float_size)
+{
+    const std::int32_t size = value(float_size);
+    return size > 0 ? static_cast<std::size_t>(size) : sizeof(double);
+}
+
+ValueSize value_size_of(std::int32_t argument)
+{
+    // 4, 8, 16 and 32 turn into 0, 1, 3 and 7; everything else is a real double.
+    switch (std::rotr(static_cast<std::uint32_t>(argument) - 4U, 2)) {
+    case 0:
+    case 1:
+        return {false, static_cast<std::size_t>(argument)};
+    case 3:
+    case 7:
+        return {true, static_cast<std::size_t>(argument) / 4};
+    default:
+        return {};
+    }
+}
+
+std::int32_t sum32(const std::int32_t* entries, std::int32_t count)
+{
+    std::uint32_t sum = 0;
+    for (std::int32_t i = 0; i < count; ++i) {
+        sum += static_cast<std::uint32_t>(value(entries == nullptr ? nullptr : entries + i));
+    }
+    return static_cast<std::int32_t>(sum);
+}
+
+// ---- Writer
+
+void Writer::attribute(const char* name, const void* data, std::int32_t type, std::size_t size)
+{
+    if (status_ != 0) {
+        return;
+    }
+    if (data == nullptr) {
+        throw NullArgument{};
+    }
+    const hsize_t one = 1;
+    status_ = KOB_H5Awrite(name, data, type, size, size, &one, 0, block_, place_);
+}
+
+void Writer::dataset(const char* name, const void* data, std::int32_t type, std::size_t data_size, std::size_t kob_size,
+                     const Shape& shape, const Part& part, std::int32_t flags)
+{
+    if (status_ != 0) {
+        return;
+    }
+    const bool is_part = part.mode != access_mode::whole;
+    if (!shape.is_empty() && (data == nullptr || (is_part && (part.count == nullptr || part.start == nullptr)))) {
+        throw NullArgument{};
+    }
+    const Shape given = is_part ? shape.without_markers() : shape;
+    status_ = KOB_H5Dwrite(name, data, type, data_size, kob_size, given.dims(), given.rank(), part.count, part.start,
+                           part.mode, block_, flags, filters_.params.data(), place_);
+}
+
+void Writer::frame(const BlockKind& kind, std::int32_t key)
+{
+    std::array<char, name_length> name{};
+    fill_field(name.data(), name.size(), kind.name, '\0');
+    integer("block", &key);
+    text("blocktype", name.data());
+}
+
+void Writer::text(const char* name, Arg<Writer, char> field, std::size_t length)
+{
+    attribute(name, field.get(), type_code::text, length);
+}
+
+void Writer::integer(const char* name, Arg<Writer, std::int32_t> number)
+{
+    attribute(name, number.get(), type_code::integer, sizeof(std::int32_t));
+}
+
+void Writer::long_integer(const char* name, Arg<Writer, std::int64_t> number)
+{
+    attribute(name, number.get(), type_code::integer, sizeof(std::int64_t));
+}
+
+void Writer::texts(const char* name, Arg<Writer, char> fields, Shape shape, std::int32_t length, Part part)
+{
+    const auto size = static_cast<std::size_t>(length);
+    dataset(name, fields.get(), type_code::text, size, size, shape, part, filters_.flags);
+}
+
+void Writer::integers(const char* name, Arg<Writer, std::int32_t> numbers, Shape shape, Part part)
+{
+    dataset(name, numbers.get(), type_code::integer, sizeof(std::int32_t), sizeof(std::int32_t), shape, part,
+            filters_.flags);
+}
+
+void Writer::long_integers(const char* name, Arg<Writer, std::int64_t> numbers, Shape shape)
+{
+    dataset(name, numbers.get(), type_code::integer, sizeof(std::int64_t), sizeof(std::int64_t), shape, {},
+            filters_.flags);
+}
+
+void Writer::reals(const char* name, Reals<Writer> numbers, Shape shape, Part part)
+{
+    dataset(name, numbers.address, type_code::real, numbers.size, float_size_, shape, part, filters_.flags);
+}
+
+void Writer::exact_reals(const char* name, Reals<Writer> numbers, Shape shape, Part part)
+{
+    dataset(name, numbers.address, type_code::real, numbers.size, float_size_, shape, part, filters_.exact_flags());
+}
+
+void Writer::single(const char* name, Arg<Writer, std::int32_t> number)
+{
+    dataset(name, number.get(), type_code::integer, sizeof(std::int32_t), sizeof(std::int32_t), Shape{}, {},
+            filters_.flags);
+}
+
+void Writer::fail(std::int32_t status)
+{
+    if (status_ == 0) {
+        status_ = status;
+    }
+}
+
+// ---- Reader
+
+Reader::Reader(hid_t block, const BlockKind& kind) : block_{block}, kind_{kind}
+{
+    if (block_ < 0) {
+        report_error(message::header_not_found);
+        status_ = -1;
+        return;
+    }
+    integer("block", &key_);
+    if (status_ < 0 || kind_.owns(key_)) {
+        return;
+    }
+    status_ = -1;
+    if (kind_.complex_key != 0) {
+        report_error(message::wrong_key_of_two, key_, kind_.key, kind_.complex_key);
+        return;
+    }
+    switch (kind_.wording) {
+    case KeyWording::usual:
+        report_error(message::wrong_key, key_, kind_.key);
+        break;
+    case KeyWording::lower_case:
+        report_error(message::wrong_key_lower_case, key_, kind_.key);
+        break;
+    case KeyWording::swapped:
+        report_error(message::wrong_key_swapped, key_, kind_.key);
+        break;
+    }
+}
+
+void Reader::attribute(const char* name, void* data, std::int32_t type, std::size_t size)
+{
+    if (status_ < 0) {
+        return;
+    }
+    if (data == nullptr) {
+        throw NullArgument{};
+    }
+    const hsize_t one = 1;
+    status_ = KOB_H5Aread(name, data, type, size, &one, 0, block_, nullptr);
+}
+
+void Reader::dataset(const char* name, void* data, std::int32_t type, std::size_t size, const Shape& shape,
+                     const Part& part)
+{
+    if (status_ < 0) {
+        return;
+    }
+    const bool is_part = part.mode != access_mode::whole;
+    if (!shape.is_empty() && (data == nullptr || (is_part && (part.count == nullptr || part.start == nullptr)))) {
+        throw NullArgument{};
+    }
+    constexpr std::int32_t untouched = -1;
+    Found found{name, untouched, {}};
+    status_ = KOB_H5Dread(name, data, type, size, shape.dims(), shape.rank(), part.count, part.start, part.mode, block_,
+                          &found.flags, found.params.data(), nullptr);
+    if (status_ == 0 && found.flags != untouched) {
+        found_.push_back(std::move(found));
+    }
+}
+
+void Reader::text(const char* name, Arg<Reader, char> field, std::size_t length)
+{
+    attribute(name, field.get(), type_code::text, length);
+}
+
+void Reader::integer(const char* name, Arg<Reader, std::int32_t> number)
+{
+    attribute(name, number.get(), type_code::integer, sizeof(std::int32_t));
+}
+
+void Reader::long_integer(const char* name, Arg<Reader, std::int64_t> number)
+{
+    attribute(name, number.get(), type_code::integer, sizeof(std::int64_t));
+}
+
+void Reader::texts(const char* name, Arg<Reader, char> fields, Shape shape, std::int32_t length, Part part)
+{
+    dataset(name, fields.get(), type_code::text, static_cast<std::size_t>(length), shape, part);
+}
+
+void Reader::integers(const char* name, Arg<Reader, std::int32_t> numbers, Shape shape, Part part)
+{
+    dataset(name, numbers.get(), type_code::integer, sizeof(std::int32_t), shape, part);
+}
+
+void Reader::long_integers(const char* name, Arg<Reader, std::int64_t> numbers, Shape shape)
+{
+    dataset(name, numbers.get(), type_code::integer, sizeof(std::int64_t), shape, {});
+}
+
+void Reader::reals(const char* name, Reals<Reader> numbers, Shape shape, Part part)
+{
+    dataset(name, numbers.address, type_code::real, numbers.size, shape, part);
+}
+
+void Reader::single(const char* name, Arg<Reader, std::int32_t> number)
+{
+    if (status_ < 0) {
+        return;
+    }
+    if (has_attribute(block_, name)) {
+        integer(name, number);
+    } else if (has_link(block_, name)) {
+        dataset(name, number.get(), type_code::integer, sizeof(std::int32_t), Shape{}, {});
+    }
+}
+
+void Reader::fail(std::int32_t status)
+{
+    if (status_ >= 0) {
+        status_ = status;
+    }
+}
+
+void Reader::key_as_status()
+{
+    if (status_ >= 0) {
+        status_ = key_;
+    }
+}
+
+void Reader::unknown_pass()
+{
+    if (status_ >= 0) {
+        report_error(message::reading_pass, kind_.key);
+        status_ = -3;
+    }
+}
+
+void Reader::report_filters(std::int32_t* filter_flags, std::int32_t* filter_params) const
+{
+    report_filters_of(found_.empty() ? "" : found_.back().name.c_str(), filter_flags, filter_params);
+}
+
+void Reader::report_filters_of(const char* name, std::int32_t* filter_flags, std::int32_t* filter_params) const
+{
+    if (status_ < 0) {
+        return;
+    }
+    std::int32_t flags = 0;
+    std::array<std::int32_t, 2> params{};
+    for (const Found& found : found_) {
+        if (found.name == name) {
+            flags = found.flags;
+            params = found.params;
+        }
+    }
+    if (filter_flags != nullptr) {
+        *filter_flags = flags;
+    }
+    if (filter_params != nullptr) {
+        std::memcpy(filter_params, params.data(), sizeof params);
+    }
+}
+
+// ---- Linker
+
+void Linker::link(const char* name, const Shape& shape)
+{
+    // What holds nothing was not written either.
+    if (status_ == 0 && !shape.is_empty() && share_link(shared_, block_, name) < 0) {
+        status_ = -1;
+    }
+}
+
+void Linker::fail(std::int32_t status)
+{
+    if (status_ == 0) {
+        status_ = status;
+    }
+}
+
+// ---- placement of blocks
+
+Placed place_block(hid_t parent, const BlockPath& path)
+{
+    OpenedGroup opened = open_block_group(parent, path, io_flag::create);
+    return {std::move(opened.group), opened.status};
+}
+
+Validity validity_of(const StateIndex<Writer>& index, const std::int32_t* state)
+{
+    return {*index.nindex, index.indexident.get(), value(state)};
+}
+
+} // namespace kob

@@ -1,0 +1,315 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The block machine: Writer and Reader walk the same description of a block.
+//
+// A block is described once, as a struct of the caller's addresses and functions that name its items in order. The
+// verbs below are the same in Writer and Reader, so that one list writes the block and reads it. Each keeps the first
+// failure and turns later calls into no-ops: a description reads straight down, without a check on every line.
+#pragma once
+
+#include "kob_entry.hpp"
+#include "kob_id.hpp"
+#include "kob_kinds.hpp"
+#include "kob_module.hpp"
+#include "kob_placement.hpp"
+#include "kob_storage.hpp"
+#include "kob_text.hpp"
+
+#include <array>
+#include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+namespace kob {
+
+/// One argument of a caller: a source for the Writer, a destination for the Reader.
+template <class Io, class T> class Arg {
+public:
+    using Pointer = std::conditional_t<Io::writes, const T*, T*>;
+
+    Arg(Pointer address = nullptr) : address_{address} {} // NOLINT(google-explicit-constructor)
+
+    /// The value at the address. A null address ends the call.
+    T operator*() const { return value<T>(address_); }
+    [[nodiscard]] Pointer get() const { return address_; }
+
+private:
+    Pointer address_;
+};
+
+/// Floating values whose size in memory the caller chooses.
+template <class Io> struct Reals {
+    using Pointer = std::conditional_t<Io::writes, const void*, void*>;
+
+    Pointer address = nullptr;
+    std::size_t size = sizeof(double);
+
+    Reals() = default;
+    Reals(Pointer values, std::size_t memory_size = sizeof(double)) // NOLINT(google-explicit-constructor)
+        : address{values}, size{memory_size}
+    {
+    }
+};
+
+/// One extent of a dataset: a count, or a dimension that grows.
+struct Extent {
+    std::int64_t count;
+    bool grows = false;
+
+    Extent(std::int64_t elements) : count{elements} {} // NOLINT(google-explicit-constructor)
+    static Extent growing()
+    {
+        Extent extent{0};
+        extent.grows = true;
+        return extent;
+    }
+};
+
+/// The extents of a dataset, slowest first. Counts come from callers: any number is carried, storage judges it.
+class Shape {
+public:
+    Shape(std::initializer_list<Extent> extents)
+    {
+        for (const Extent extent : extents) {
+            append(extent);
+        }
+    }
+
+    /// Beyond one more than HDF5's largest rank further extents say nothing new.
+    void append(Extent extent);
+
+    [[nodiscard]] std::int32_t rank() const { return rank_; }
+    [[nodiscard]] const hsize_t* dims() const { return dims_.data(); }
+    [[nodiscard]] bool is_empty() const;
+
+    /// The extents for a partial access, where -1 is a count like any other and marks nothing.
+    [[nodiscard]] Shape without_markers() const;
+
+private:
+    std::int32_t rank_ = 0;
+    std::array<hsize_t, H5S_MAX_RANK + 1> dims_{};
+    std::array<bool, H5S_MAX_RANK + 1> grows_{};
+};
+
+/// Which part of a dataset is transferred.
+struct Part {
+    std::int32_t mode = access_mode::whole;
+    const std::int64_t* count = nullptr;
+    const std::int64_t* start = nullptr;
+
+    [[nodiscard]] bool is_known() const
+    {
+        return mode == access_mode::whole || mode == access_mode::block || mode == access_mode::points;
+    }
+};
+
+/// The caller's compression request.
+struct Filters {
+    std::int32_t flags = 0;
+    std::array<std::int32_t, 2> params{}; ///< decimal scale factor, deflate level
+
+    Filters() = default;
+    Filters(const std::int32_t* filter_flags, const std::int32_t* filter_params);
+
+    /// Lossy compression is for result values alone: the same request without it.
+    [[nodiscard]] std::int32_t exact_flags() const { return flags & ~filter_flag::scale_offset_real; }
+};
+
+/// Stored size of floating data in model blocks: 8 unless the caller says otherwise.
+std::size_t stored_float(const std::int32_t* float_size);
+
+/// What the value-size argument says.
+struct ValueSize {
+    bool complex = false;
+    std::size_t stored = sizeof(double);
+};
+ValueSize value_size_of(std::int32_t argument);
+
+/// Sum of the first `count` entries, in 32 bits by contract: it wraps. 0 when count is not positive.
+std::int32_t sum32(const std::int32_t* entries, std::int32_t count);
+
+/// Writes the items of one block.
+class Writer {
+public:
+    static constexpr bool writes = true;
+
+    Writer(hid_t block, Filters filters, std::size_t float_size, Place place = Place::unknown)
+        : block_{block}, filters_{filters}, float_size_{float_size}, place_{place}
+    {
+    }
+
+    // attributes
+    void frame(const BlockKind& kind, std::int32_t key);
+    void text(const char* name, Arg<Writer, char> field, std::size_t length = name_length);
+    void integer(const char* name, Arg<Writer, std::int32_t> number);
+    void long_integer(const char* name, Arg<Writer, std::int64_t> number);
+
+    // datasets
+    void texts(const char* name, Arg<Writer, char> fields, Shape shape, std::int32_t length = name_length,
+               Part part = {});
+    void integers(const char* name, Arg<Writer, std::int32_t> numbers, Shape shape, Part part = {});
+    void long_integers(const char* name, Arg<Writer, std::int64_t> numbers, Shape shape);
+    void reals(const char* name, Reals<Writer> numbers, Shape shape, Part part = {});       ///< filtered as asked
+    void exact_reals(const char* name, Reals<Writer> numbers, Shape shape, Part part = {}); ///< never lossy
+    void single(const char* name, Arg<Writer, std::int32_t> number);                        ///< a scalar dataset
+
+    void fail(std::int32_t status);
+    [[nodiscard]] bool ok() const { return status_ == 0; }
+    [[nodiscard]] std::int32_t status() const { return status_; }
+
+private:
+    void attribute(const char* name, const void* data, std::int32_t type, std::size_t size);
+    void dataset(const char* name, const void* data, std::int32_t type, std::size_t data_size, std::size_t kob_size,
+                 const Shape& shape, const Part& part, std::int32_t flags);
+
+    hid_t block_;
+    Filters filters_;
+    std::size_t float_size_;
+    Place place_;
+    std::int32_t status_ = 0;
+};
+
+/// Reads the items of one block. The status is the result of the last read; the first failure stays.
+class Reader {
+public:
+    static constexpr bool writes = false;
+
+    /// Checks the handle and the block's key, printing what is wrong with them.
+    Reader(hid_t block, const BlockKind& kind);
+
+    // attributes
+    void text(const char* name, Arg<Reader, char> field, std::size_t length = name_length);
+    void integer(const char* name, Arg<Reader, std::int32_t> number);
+    void long_integer(const char* name, Arg<Reader, std::int64_t> number);
+
+    // datasets
+    void texts(const char* name, Arg<Reader, char> fields, Shape shape, std::int32_t length = name_length,
+               Part part = {});
+    void integers(const char* name, Arg<Reader, std::int32_t> numbers, Shape shape, Part part = {});
+    void long_integers(const char* name, Arg<Reader, std::int64_t> numbers, Shape shape);
+    void reals(const char* name, Reals<Reader> numbers, Shape shape, Part part = {});
+    void exact_reals(const char* name, Reals<Reader> numbers, Shape shape, Part part = {})
+    {
+        reals(name, numbers, shape, part);
+    }
+    /// A scalar dataset; older files hold an attribute of that name instead, and a file may hold neither.
+    void single(const char* name, Arg<Reader, std::int32_t> number);
+
+    void fail(std::int32_t status);
+    [[nodiscard]] bool ok() const { return status_ >= 0; }
+    [[nodiscard]] std::int32_t status() const { return status_; }
+
+    [[nodiscard]] std::int32_t key() const { return key_; }
+    [[nodiscard]] bool is_complex() const { return key_ != 0 && key_ == kind_.complex_key; }
+
+    /// Makes the key the status, as readers do that tell their caller what they found, or found nothing to read.
+    void key_as_status();
+    /// Reports a pass that the block does not know.
+    void unknown_pass();
+
+    /// Filters of the last dataset that was really read.
+    void report_filters(std::int32_t* filter_flags, std::int32_t* filter_params) const;
+    /// Filters of a dataset by name; none when it was skipped.
+    void report_filters_of(const char* name, std::int32_t* filter_flags, std::int32_t* filter_params) const;
+
+private:
+    struct Found {
+        std::string name;
+        std::int32_t flags;
+        std::array<std::int32_t, 2> params;
+    };
+
+    void attribute(const char* name, void* data, std::int32_t type, std::size_t size);
+    void dataset(const char* name, void* data, std::int32_t type, std::size_t size, const Shape& shape,
+                 const Part& part);
+
+    hid_t block_;
+    BlockKind kind_;
+    std::int32_t key_ = 0;
+    std::int32_t status_ = 0;
+    std::vector<Found> found_;
+};
+
+/// Gives a block the datasets of a shared group: each item becomes a hard link of the same name.
+class Linker {
+public:
+    Linker(hid_t shared, hid_t block) : shared_{shared}, block_{block} {}
+
+    template <class Source> void integers(const char* name, const Source&, const Shape& shape) { link(name, shape); }
+    template <class Source> void texts(const char* name, const Source&, const Shape& shape) { link(name, shape); }
+    template <class Source> void exact_reals(const char* name, const Source&, const Shape& shape) { link(name, shape); }
+    template <class Source> void single(const char* name, const Source&) { link(name, Shape{1}); }
+    void fail(std::int32_t status);
+    [[nodiscard]] std::int32_t status() const { return status_; }
+
+private:
+    void link(const char* name, const Shape& shape);
+
+    hid_t shared_;
+    hid_t block_;
+    std::int32_t status_ = 0;
+};
+
+/// A block's group as the placement gave it to a writer.
+struct Placed {
+    Id group;
+    std::int32_t status = 0; ///< positive: the block is new; 0: it was there
+
+    [[nodiscard]] Place place() const { return status > 0 ? Place::fresh : Place::unknown; }
+};
+Placed place_block(hid_t parent, const BlockPath& path);
+
+/// Writes a block that must not exist yet: `describe(Writer&)` lists its items after the frame.
+/// The block's group stays open when that went well: it is the caller's, until the file is closed.
+template <class Describe>
+std::int32_t write_new_block(hid_t parent, const BlockKind& kind, const BlockPath& path, const Filters& filters,
+                             std::size_t float_size, Describe&& describe)
+{
+    Placed placed = place_block(parent, path);
+    if (placed.status < 0) {
+        return placed.status;
+    }
+    if (placed.status == 0) {
+        report_error(message::already_exists, kind.key, kind.name);
+        return -1;
+    }
+    if (!placed.group) {
+        report_error(message::writing_key, kind.key);
+        return static_cast<std::int32_t>(placed.group.get());
+    }
+    Writer io{placed.group.get(), filters, float_size, Place::fresh};
+    io.frame(kind, kind.key);
+    describe(io);
+    if (io.ok()) {
+        placed.group.release();
+    }
+    return io.status();
+}
+
+/// What identifies the state that a block belongs to.
+template <class Io> struct StateIndex {
+    Arg<Io, std::int32_t> nindex;     ///< number of index values, 0 for constant data
+    Arg<Io, std::int32_t> indexic;    ///< index code, stored as given
+    Arg<Io, std::int32_t> indexident; ///< [nindex] identifiers
+    Arg<Io, double> indexval;         ///< [nindex] values
+};
+
+template <class Io> void attributes(Io& io, const StateIndex<Io>& index)
+{
+    io.integer("nindex", index.nindex);
+    io.integer("indexic", index.indexic);
+}
+
+template <class Io> void values(Io& io, const StateIndex<Io>& index)
+{
+    if (io.ok() && (Io::writes || *index.nindex > 0)) {
+        io.integers("indexident", index.indexident, {*index.nindex});
+        io.exact_reals("indexval", index.indexval.get(), {*index.nindex});
+    }
+}
+
+/// Where a state-capable block goes: its index identifiers name the state groups unless a state number is given.
+Validity validity_of(const StateIndex<Writer>& index, const std::int32_t* state);
+
+} // namespace kob
