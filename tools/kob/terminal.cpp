@@ -35,6 +35,9 @@ void run_verb(std::string_view who, int& exit_code, const std::function<int()>& 
     } catch (const std::bad_alloc&) {
         complain(who, "not enough memory");
         exit_code = exit_cannot_read;
+    } catch (const std::exception& error) {
+        complain(who, fmt::format("internal error: {}", error.what()));
+        exit_code = exit_cannot_read;
     }
 }
 
@@ -73,7 +76,12 @@ std::size_t utf8_length(std::string_view text)
 {
     const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
     const unsigned char lead = byte(0);
-    const std::size_t length = lead < 0x80 ? 1 : lead < 0xc2 ? 0 : lead < 0xe0 ? 2 : lead < 0xf0 ? 3 : lead < 0xf5 ? 4 : 0;
+    const std::size_t length = lead < 0x80   ? 1
+                               : lead < 0xc2 ? 0
+                               : lead < 0xe0 ? 2
+                               : lead < 0xf0 ? 3
+                               : lead < 0xf5 ? 4
+                                             : 0;
     if (length == 0 || length > text.size()) return 0;
     for (std::size_t i = 1; i < length; ++i)
         if ((byte(i) & 0xc0) != 0x80) return 0;
