@@ -103,7 +103,10 @@ OpenIdentifiers OpenIdentifiers::without_new_groups(const OpenIdentifiers& befor
     return rest;
 }
 
-void allow_open_groups(int count) { allowed_groups = count; }
+void allow_open_groups(int count)
+{
+    allowed_groups = count;
+}
 
 void check_identifiers_after_each_test()
 {

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Runs the program as a user does and returns what it wrote and its exit code.
+#pragma once
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "temp_file.hpp"
+
+namespace kob_test {
+
+struct Outcome {
+    int exit_code = -1; ///< -1: ended by a signal
+    std::string out;
+    std::string err;
+
+    std::vector<std::string> lines() const { return split(out); }
+    std::vector<std::string> error_lines() const { return split(err); }
+    nlohmann::json json() const { return nlohmann::json::parse(out, nullptr, false); }
+
+private:
+    static std::vector<std::string> split(const std::string& text)
+    {
+        std::vector<std::string> result;
+        for (std::size_t at = 0; at < text.size();) {
+            const std::size_t end = std::min(text.find('\n', at), text.size());
+            result.push_back(text.substr(at, end - at));
+            at = end + 1;
+        }
+        return result;
+    }
+};
+
+inline std::string content_of(const std::string& path)
+{
+    std::ifstream stream{path, std::ios::binary};
+    return {std::istreambuf_iterator<char>{stream}, {}};
+}
+
+/// Runs the program with its output and errors in files; `out_path` takes the output elsewhere.
+inline Outcome run_program(std::vector<std::string> arguments, const std::string& out_path = {})
+{
+    const TempDir folder;
+    const std::string out = out_path.empty() ? folder / "out" : out_path;
+    const std::string err = folder / "err";
+    arguments.insert(arguments.begin(), KOB_PROGRAM);
+    std::vector<char*> argv;
+    for (std::string& argument : arguments) argv.push_back(argument.data());
+    argv.push_back(nullptr);
+    const pid_t child = fork();
+    if (child == 0) {
+        constexpr int cannot_start = 127;
+        constexpr int rights = 0600;
+        const int out_fd = open(out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, rights);
+        const int err_fd = open(err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, rights);
+        if (out_fd < 0 || err_fd < 0 || dup2(out_fd, STDOUT_FILENO) < 0 || dup2(err_fd, STDERR_FILENO) < 0)
+            _exit(cannot_start);
+        execv(argv[0], argv.data());
+        _exit(cannot_start);
+    }
+    int wait_status = 0;
+    EXPECT_EQ(waitpid(child, &wait_status, 0), child);
+    Outcome outcome;
+    if (WIFEXITED(wait_status)) outcome.exit_code = WEXITSTATUS(wait_status);
+    if (out_path.empty()) outcome.out = content_of(out);
+    outcome.err = content_of(err);
+    return outcome;
+}
+
+/// A table's line as words, whatever the width of its columns.
+inline std::vector<std::string> words(const std::string& line)
+{
+    std::istringstream stream{line};
+    return {std::istream_iterator<std::string>{stream}, {}};
+}
+
+} // namespace kob_test

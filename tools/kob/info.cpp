@@ -1,0 +1,280 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// kob info: what a file is, who wrote it, which states and how many blocks of each kind it holds.
+
+#include "block_reader.hpp"
+#include "file.hpp"
+#include "terminal.hpp"
+#include "verbs.hpp"
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include <map>
+#include <memory>
+#include <optional>
+
+namespace kob::program {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+struct Options {
+    std::string file;
+    bool json = false;
+};
+
+struct State {
+    std::vector<double> values; ///< index values, of the first block that could be read
+    std::int64_t blocks = 0;
+};
+
+struct Count {
+    std::int64_t blocks = 0;
+    std::int64_t bytes = 0;  ///< unpacked size of the blocks that can be read
+    std::int64_t unread = 0; ///< blocks whose size is not known
+};
+
+struct Summary {
+    std::optional<Block> system;
+    std::map<std::vector<std::int64_t>, State> states; ///< by state numbers, in the order of the index values
+    std::map<std::int32_t, Count> kinds;               ///< by block key
+    Count total;
+    int exit_code = 0;
+};
+
+std::string kind_name(std::int32_t key)
+{
+    const Kind* kind = find_kind(key);
+    if (kind == nullptr) return "?";
+    return fmt::format("{}{}", kind->name, key == kind->complex_key ? " (complex)" : "");
+}
+
+void count(Count& sum, const std::optional<Block>& block)
+{
+    ++sum.blocks;
+    if (!block)
+        ++sum.unread;
+    else if (__builtin_add_overflow(sum.bytes, block->bytes(), &sum.bytes))
+        throw Failure{exit_cannot_read, "the counts of the blocks are larger than any file"};
+}
+
+Summary summarize(const File& file)
+{
+    Summary summary;
+    for (const Entry& entry : file.entries()) {
+        const Kind* kind = find_kind(entry.key);
+        std::optional<Block> block;
+        try {
+            if (kind != nullptr && kind->scan != nullptr && !file.older_layout())
+                block = read_block(file, entry, Depth::index);
+        } catch (const Failure& failure) { // the rest is still worth a summary
+            complain("kob info", failure.what());
+            summary.exit_code = failure.exit_code;
+        }
+        count(summary.kinds[entry.key], block);
+        count(summary.total, block);
+        const std::vector<std::int64_t> numbers = state_numbers(entry);
+        if (!numbers.empty()) {
+            State& state = summary.states[numbers];
+            ++state.blocks;
+            const Item* values = block ? block->find("indexval") : nullptr;
+            for (std::int64_t i = 0; values != nullptr && state.blocks >= 1 && i < values->read_count(); ++i) {
+                if (i == 0 && !state.values.empty()) break; // known from an earlier block
+                state.values.push_back(values->real(i));
+            }
+        }
+        if (kind != nullptr && kind->name == "system" && block) summary.system = std::move(block);
+    }
+    return summary;
+}
+
+/// "m^2 s^-1" for factors `first` to `first + n - 1` of a derived unit.
+std::string factors_text(const Block& system, std::int64_t first, std::int64_t n)
+{
+    const Item& base_ids = *system.find("ubid");
+    const Item& base_names = *system.find("ubnam");
+    const Item& ids = *system.find("udbid");
+    const Item& exponents = *system.find("udbexp");
+    std::string text;
+    for (std::int64_t i = first; i < first + n && i < ids.read_count(); ++i) {
+        std::string name = fmt::format("#{}", ids.integer(i)); // an identifier that no base unit has
+        for (std::int64_t unit = 0; unit < base_ids.read_count(); ++unit)
+            if (base_ids.integer(unit) == ids.integer(i)) name = printable(base_names.text(unit));
+        text += fmt::format("{}{}", text.empty() ? "" : " ", name);
+        if (exponents.real(i) != 1) text += fmt::format("^{}", number_text(exponents.real(i)));
+    }
+    return text;
+}
+
+void print_system(const Block& system)
+{
+    const auto line = [&](const char* title, std::initializer_list<const char*> names) {
+        std::string text;
+        for (const char* name : names) {
+            const std::string part = printable(system.text(name));
+            text += fmt::format("{}{}", text.empty() || part.empty() ? "" : " ", part);
+        }
+        if (!text.empty()) fmt::print("{:<10}{}\n", title, text);
+    };
+    line("Title", {"title"});
+    line("System", {"sys"});
+    line("Solver", {"solver_name", "solver_vers"});
+    line("Created", {"cdate", "ctime"});
+    line("Changed", {"mdate", "mtime"});
+}
+
+void print_units(const Block& system)
+{
+    const Item& ids = *system.find("ubid");
+    const Item& derived = *system.find("udid");
+    if (ids.read_count() + derived.read_count() == 0) return;
+    Table table{{"UNIT", "NAME", "OF", "FACTOR", "SHIFT"}};
+    for (const std::size_t column : {0U, 3U, 4U}) table.align_right(column);
+    for (std::int64_t i = 0; i < ids.read_count(); ++i)
+        table.add({fmt::format("{}", ids.integer(i)), printable(system.find("ubnam")->text(i)),
+                   printable(system.find("ubtyp")->text(i)), number_text(system.find("ubcon")->real(i)),
+                   number_text(system.find("ubshift")->real(i))});
+    std::int64_t first = 0;
+    for (std::int64_t i = 0; i < derived.read_count(); ++i) {
+        const std::int64_t n = std::max<std::int64_t>(system.find("ndbunit")->integer(i), 0);
+        table.add({fmt::format("{}", derived.integer(i)), printable(system.find("udnam")->text(i)),
+                   factors_text(system, first, n), number_text(system.find("udscal")->real(i)), ""});
+        first += n;
+    }
+    fmt::print("\n");
+    table.print();
+}
+
+std::string header_text(const Header* header)
+{
+    if (header == nullptr) return "no file header";
+    if (header->status < 0) return fmt::format("file header unreadable (status {})", header->status);
+    std::string version = printable(header->version);
+    for (char& c : version)
+        if (c == ' ') c = '.';
+    if (header->status % 100 != 0) return fmt::format("KOB {}, wrong signature", version);
+    return fmt::format("KOB {}{}", version, header->status >= 100 ? ", not the version of this program" : "");
+}
+
+std::string count_bytes(const Count& count)
+{
+    if (count.unread == count.blocks) return "";
+    return fmt::format("{}{}", count.unread > 0 ? "at least " : "", count.bytes);
+}
+
+void print(const File& file, const Summary& summary)
+{
+    const std::int64_t stored = file.stored_bytes();
+    fmt::print("{:<10}{}\n", "File", printable(file.path()));
+    fmt::print("{:<10}{}\n", "Format", header_text(file.header()));
+    if (!file.report().library.empty())
+        fmt::print("{:<10}library {}, version bounds {} to {}\n", "HDF5", file.report().library,
+                   file.report().lower_bound, file.report().upper_bound);
+    if (stored >= 0) fmt::print("{:<10}{} bytes ({})\n", "Stored", stored, bytes_text(stored));
+    fmt::print("{:<10}{}{} bytes ({})\n", "Unpacked", summary.total.unread > 0 ? "at least " : "", summary.total.bytes,
+               bytes_text(summary.total.bytes));
+    if (summary.system) {
+        print_system(*summary.system);
+        print_units(*summary.system);
+    }
+
+    Table kinds{{"KEY", "KIND", "BLOCKS", "UNPACKED"}};
+    for (const std::size_t column : {0U, 2U, 3U}) kinds.align_right(column);
+    for (const auto& [key, count] : summary.kinds)
+        kinds.add({fmt::format("{}", key), kind_name(key), fmt::format("{}", count.blocks), count_bytes(count)});
+    fmt::print("\n");
+    kinds.print();
+
+    if (summary.states.empty()) return;
+    Table states{{"STATE", "INDEX", "BLOCKS"}};
+    for (const std::size_t column : {0U, 2U}) states.align_right(column);
+    for (const auto& [numbers, state] : summary.states) {
+        std::string values;
+        for (const double value : state.values) values += (values.empty() ? "" : ", ") + number_text(value);
+        states.add({fmt::format("{}", fmt::join(numbers, ",")), values, fmt::format("{}", state.blocks)});
+    }
+    fmt::print("\n");
+    states.print();
+}
+
+Json describe(const File& file, const Summary& summary)
+{
+    Json json{{"file", file.path()}};
+    const Header* header = file.header();
+    json["header"] = header == nullptr ? Json{} : Json{{"status", header->status}, {"version", header->version}};
+    json["hdf5"] = {{"library", file.report().library},
+                    {"lower_bound", file.report().lower_bound},
+                    {"upper_bound", file.report().upper_bound}};
+    json["stored_bytes"] = file.stored_bytes();
+    json["unpacked_bytes"] = summary.total.bytes;
+    json["blocks"] = summary.total.blocks;
+    json["blocks_of_unknown_size"] = summary.total.unread;
+    json["system"] = Json{};
+    if (summary.system)
+        for (const char* name : {"title", "sys", "solver_name", "solver_vers", "cdate", "ctime", "mdate", "mtime"})
+            json["system"][name] = summary.system->text(name);
+    json["base_units"] = Json::array();
+    json["derived_units"] = Json::array();
+    if (summary.system) {
+        const Block& system = *summary.system;
+        const Item& ids = *system.find("ubid");
+        for (std::int64_t i = 0; i < ids.read_count(); ++i)
+            json["base_units"].push_back({{"id", ids.integer(i)},
+                                          {"name", system.find("ubnam")->text(i)},
+                                          {"of", system.find("ubtyp")->text(i)},
+                                          {"factor", system.find("ubcon")->real(i)},
+                                          {"shift", system.find("ubshift")->real(i)}});
+        const Item& derived = *system.find("udid");
+        std::int64_t first = 0;
+        for (std::int64_t i = 0; i < derived.read_count(); ++i) {
+            const std::int64_t n = std::max<std::int64_t>(system.find("ndbunit")->integer(i), 0);
+            Json factors = Json::array();
+            for (std::int64_t k = first; k < first + n && k < system.find("udbid")->read_count(); ++k)
+                factors.push_back(
+                    {{"id", system.find("udbid")->integer(k)}, {"exponent", system.find("udbexp")->real(k)}});
+            json["derived_units"].push_back({{"id", derived.integer(i)},
+                                             {"name", system.find("udnam")->text(i)},
+                                             {"factor", system.find("udscal")->real(i)},
+                                             {"factors", factors}});
+            first += n;
+        }
+    }
+    json["kinds"] = Json::array();
+    for (const auto& [key, count] : summary.kinds) {
+        const Kind* kind = find_kind(key);
+        json["kinds"].push_back({{"key", key},
+                                 {"kind", kind != nullptr ? Json(kind->name) : Json{}},
+                                 {"blocks", count.blocks},
+                                 {"unpacked_bytes", count.bytes},
+                                 {"blocks_of_unknown_size", count.unread}});
+    }
+    json["states"] = Json::array();
+    for (const auto& [numbers, state] : summary.states)
+        json["states"].push_back({{"state", numbers}, {"index", state.values}, {"blocks", state.blocks}});
+    return json;
+}
+
+int info(const Options& options)
+{
+    const File file{options.file};
+    const Summary summary = summarize(file);
+    if (options.json)
+        fmt::print("{}\n", describe(file, summary).dump(2, ' ', false, Json::error_handler_t::replace));
+    else
+        print(file, summary);
+    return summary.exit_code;
+}
+
+} // namespace
+
+void add_info(CLI::App& app, int& exit_code)
+{
+    const auto options = std::make_shared<Options>();
+    CLI::App* verb = app.add_subcommand("info", "Summarize a file: header, system, units, states and kinds of block");
+    verb->add_option("FILE", options->file, "Result file")->required();
+    verb->add_flag("--json", options->json, "Print JSON");
+    verb->callback([options, &exit_code] { run_verb("kob info", exit_code, [&] { return info(*options); }); });
+}
+
+} // namespace kob::program
