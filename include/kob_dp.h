@@ -52,7 +52,7 @@ extern "C" {
  *  | `int32`   | `int32_t`            | integer                                                                      |
  *  | `int64`   | `int64_t`            | handle, or an extent or byte count                                           |
  *  | `double`  | `double`             | floating-point number                                                        |
- *  | `real`    | `void`               | 8- or 4-byte floating-point number, as the argument memory_size says         |
+ *  | `real`    | `void`               | 8- or 4-byte floating-point number, as memory_size or an added 1024 says     |
  *  | `char`    | `char`               | one character                                                                |
  *  | `text256` | `char[256]`          | one text of 256 characters, padded with blanks                               |
  *  | `text8`   | `char[8]`            | one text of 8 characters, padded with blanks                                 |
@@ -84,7 +84,7 @@ extern "C" {
  *  | positive        | success with a message that the entry point explains: groups created, or the block key found   |
  *  | -1              | an HDF5 call failed, a block exists already, a wrong block key, an invalid handle              |
  *  | -3              | unknown pass or mode of a reader                                                               |
- *  | -123            | frame switch (fswitch) other than 0 or 1                                                       |
+ *  | -123            | unknown frame switch (fswitch)                                                                 |
  *  | -998            | the running HDF5 library is older than 1.14.6                                                  |
  *  | -999            | the HDF5 library's version cannot be obtained; in a writer: unknown access mode                |
  *  | -9999           | unknown option                                                                                 |
@@ -309,6 +309,94 @@ KOB_API const char* KOB_get_build_info(void);
  *                   any other: the build line
  *  @return a constant text */
 KOB_API const char* KOB_get_module_info(int32_t which);
+
+/** @} */
+
+/** @defgroup sort Sorting and searching
+ *
+ *  Sort and search an array of positions instead of the data, which stays where it is. lo and hi are the first and the
+ *  last place in that array to be sorted or searched, both included; unlike elsewhere they are passed by value.
+ *  @code{.c}
+ *  int32_t values[] = {30, 10, 20}, index[] = {0, 1, 2}, place;
+ *  kob_iquicksort(values, index, 0, 2);              // index 1, 2, 0
+ *  kob_ibsearch(20, values, index, 0, 2, &place);    // place 1: values[index[1]] is 20
+ *  @endcode
+ *  @{ */
+
+/** Sorts positions so that the integers at them ascend; the order of equal ones is open.
+ *  @param[in]     values int32 [any], the integers
+ *  @param[in,out] index  int32 [hi + 1], positions in values; those at places lo to hi are rearranged
+ *  @param[in]     lo     int32 by value, first place
+ *  @param[in]     hi     int32 by value, last place; below lo: nothing is done */
+KOB_API void kob_iquicksort(const int32_t* values, int32_t* index, int32_t lo, int32_t hi);
+
+/** The same as kob_iquicksort(), under another name.
+ *  @param[in]     values int32 [any], see kob_iquicksort()
+ *  @param[in,out] index  int32 [hi + 1], see kob_iquicksort()
+ *  @param[in]     lo     int32 by value, see kob_iquicksort()
+ *  @param[in]     hi     int32 by value, see kob_iquicksort() */
+KOB_API void kob_jquicksort(const int32_t* values, int32_t* index, int32_t lo, int32_t hi);
+
+/** Finds an integer among sorted ones by halving.
+ *  @param[in]  key      int32 by value, the integer to find
+ *  @param[in]  values   int32 [any], the integers
+ *  @param[in]  index    int32 [hi + 1], positions in values, sorted; null: values itself is sorted
+ *  @param[in]  lo       int32 by value, first place
+ *  @param[in]  hi       int32 by value, last place
+ *  @param[out] position int32 [1], the place in index (not the position that it holds), any of equal ones; -1: not
+ *                       there, or lo is above hi */
+KOB_API void kob_ibsearch(int32_t key, const int32_t* values, const int32_t* index, int32_t lo, int32_t hi,
+                          int32_t* position);
+
+/** The same as kob_ibsearch(), under another name.
+ *  @param[in]  key      int32 by value, see kob_ibsearch()
+ *  @param[in]  values   int32 [any], see kob_ibsearch()
+ *  @param[in]  index    int32 [hi + 1], see kob_ibsearch()
+ *  @param[in]  lo       int32 by value, see kob_ibsearch()
+ *  @param[in]  hi       int32 by value, see kob_ibsearch()
+ *  @param[out] position int32 [1], see kob_ibsearch() */
+KOB_API void kob_jbsearch(int32_t key, const int32_t* values, const int32_t* index, int32_t lo, int32_t hi,
+                          int32_t* position);
+
+/** Sorts positions so that the texts of equal width at them ascend, compared as by KOB_strncmp().
+ *  @param[in]     records char [any, width], the texts one behind the other
+ *  @param[in,out] index   int32 [hi + 1], numbers of texts; those at places lo to hi are rearranged
+ *  @param[in]     lo      int32 by value, first place
+ *  @param[in]     hi      int32 by value, last place; below lo: nothing is done
+ *  @param[in]     width   int32 by value, characters of each text */
+KOB_API void kob_cquicksort(const char* records, int32_t* index, int32_t lo, int32_t hi, int32_t width);
+
+/** Finds a text among sorted ones of equal width by halving, compared as by KOB_strncmp().
+ *  @param[in]  key      char [width], the text to find
+ *  @param[in]  records  char [any, width], the texts one behind the other
+ *  @param[in]  index    int32 [hi + 1], numbers of texts, sorted; null: the records themselves are sorted
+ *  @param[in]  lo       int32 by value, first place
+ *  @param[in]  hi       int32 by value, last place
+ *  @param[in]  width    int32 by value, characters of each text
+ *  @param[out] position int32 [1], the place in index (not the number that it holds), any of equal ones; -1: not
+ *                       there, or lo is above hi */
+KOB_API void kob_cbsearch(const char* key, const char* records, const int32_t* index, int32_t lo, int32_t hi,
+                          int32_t width, int32_t* position);
+
+/** Sorts positions so that the texts that pointers lead to ascend, compared byte by byte.
+ *  @param[in]     texts char* [any], pointers to texts that end with a NUL
+ *  @param[in,out] index int32 [hi + 1], positions in texts; those at places lo to hi are rearranged
+ *  @param[in]     lo    int32 by value, first place
+ *  @param[in]     hi    int32 by value, last place; below lo: nothing is done */
+KOB_API void kob_cpquicksort(const char* const* texts, int32_t* index, int32_t lo, int32_t hi);
+
+/** Finds a text among sorted ones in one buffer by halving, compared byte by byte.
+ *
+ *  Unlike kob_cpquicksort() it takes one buffer and offsets, not pointers.
+ *  @param[in]  key      char [any], the text to find, ends with a NUL
+ *  @param[in]  base     char [any], buffer of texts that end with a NUL
+ *  @param[in]  offsets  int32 [hi + 1], where each text starts, in the order of the texts; null: the text of place i
+ *                       starts at byte i
+ *  @param[in]  lo       int32 by value, first place
+ *  @param[in]  hi       int32 by value, last place
+ *  @param[out] position int32 [1], the place in offsets, any of equal ones; -1: not there, or lo is above hi */
+KOB_API void kob_cpbsearch(const char* key, const char* base, const int32_t* offsets, int32_t lo, int32_t hi,
+                           int32_t* position);
 
 /** @} */
 
@@ -643,9 +731,9 @@ KOB_API void KOB_SEARCHBLOCKS(const int64_t* group, const int32_t* option, const
 
 /** @defgroup model Model description
  *
- *  The writers of this group refuse a block that exists already (status -1) and leave it as it was. They leave the
- *  group of the block open; KOB_CLOSE() closes it. Their readers are called first for the attributes, which tell the
- *  sizes, then for the arrays:
+ *  The writers of this group refuse a block that exists already (status -1) and leave it as it was; only
+ *  KOB_WRITE_PROPERTIES() writes into a group that the caller opened. They leave the group of the block open;
+ *  KOB_CLOSE() closes it. Their readers are called first for the attributes, which tell the sizes, then for the arrays:
  *  @code{.c}
  *  int32_t attributes = 1, arrays = 2, nvar, ncoo, status, filter_flags, filter_params[2];
  *  char etypvar[256];
@@ -959,12 +1047,380 @@ KOB_API void KOB_READ_CONNECTIVITIES(const int64_t* block, const int32_t* mode, 
                                      int32_t* iparam, double* fparam, int32_t* filter_flags, int32_t* filter_params,
                                      int32_t* status);
 
+/** Writes free text of one kind: lines of equal length, constant or for one state.
+ *
+ *  Placed with the names "text" and etyptext, constant or in a state; one block per kind and state.
+ *  @param[in]  group         int64 [1], group from KOB_OPEN()
+ *  @param[in]  etyptext      text256 [1], name of the text kind
+ *  @param[in]  nlines        int32 [1], number of lines
+ *  @param[in]  length        int32 [1], characters of each line
+ *  @param[in]  nindex        int32 [1], number of index values, see @ref state_index; 0: constant
+ *  @param[in]  indexic       int32 [1], code of the index kind, stored as given
+ *  @param[in]  indexident    int32 [nindex], index identifiers of the state
+ *  @param[in]  indexval      double [nindex], index values of the state
+ *  @param[in]  line          char [nlines, length], the lines, one behind the other
+ *  @param[in]  state         int32 [1], state number of the path; negative: taken from indexident
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; bit 128 has no effect here
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  float_size    int32 [1], stored size of the doubles, see @ref value_size
+ *  @param[out] status        int32 [1], 0 written; -1 exists already; -8, -10 the group cannot be created, opened;
+ *                            otherwise see @ref storage_codes (-3001: length is below 1) */
+KOB_API void KOB_WRITE_TEXT(const int64_t* group, const char* etyptext, const int32_t* nlines, const int32_t* length,
+                            const int32_t* nindex, const int32_t* indexic, const int32_t* indexident,
+                            const double* indexval, const char* line, const int32_t* state, const int32_t* filter_flags,
+                            const int32_t* filter_params, const int32_t* float_size, int32_t* status);
+
+/** Reads a text block, by sections.
+ *
+ *  A call that reads nothing behind the key (mode 0 or 4, or mode 2 of a constant block) reports the key, 40, as its
+ *  status.
+ *  @param[in]     block         int64 [1], group of the block
+ *  @param[in]     mode          int32 [1], sum of 1: etyptext to indexic; 2: indexident, indexval; 8: line and the
+ *                               filters. Other bits have no effect
+ *  @param[out]    etyptext      text256 [1], name of the text kind
+ *  @param[in,out] nlines        int32 [1], number of lines; input if mode lacks 1, like the other counts
+ *  @param[in,out] length        int32 [1], characters of each line
+ *  @param[in,out] nindex        int32 [1], number of index values
+ *  @param[out]    indexic       int32 [1], code of the index kind
+ *  @param[out]    indexident    int32 [nindex], index identifiers of the state
+ *  @param[out]    indexval      double [nindex], index values of the state
+ *  @param[out]    line          char [nlines, length], the lines, one behind the other
+ *  @param[out]    filter_flags  int32 [1], filters of "line", see @ref filters; mode 8 only
+ *  @param[out]    filter_params int32 [2], their parameters; mode 8 only
+ *  @param[out]    status        int32 [1], 0 read; 40 nothing to read; -1 invalid handle or not a text block;
+ *                               otherwise see @ref storage_codes (-6010: length is less than the stored one) */
+KOB_API void KOB_READ_TEXT(const int64_t* block, const int32_t* mode, char* etyptext, int32_t* nlines, int32_t* length,
+                           int32_t* nindex, int32_t* indexic, int32_t* indexident, double* indexval, char* line,
+                           int32_t* filter_flags, int32_t* filter_params, int32_t* status);
+
+/** Writes the parts of one part type: identifiers, and optionally titles, materials and colours.
+ *
+ *  Placed with the names "parts" and etyppart, constant or in a state; one block per part type and state. Meaning of
+ *  mtyp and pcol is the callers' affair.
+ *  @param[in]  group         int64 [1], group from KOB_OPEN()
+ *  @param[in]  etyppart      text256 [1], part type name
+ *  @param[in]  npart         int32 [1], number of parts
+ *  @param[in]  off           int32 [1], sum of 1: no mid; 2: no mtyp; 4: no pcol
+ *  @param[in]  length        int32 [1], characters of each title; 0 or less: no titles
+ *  @param[in]  nindex        int32 [1], number of index values, see @ref state_index; 0: constant
+ *  @param[in]  indexic       int32 [1], code of the index kind, stored as given
+ *  @param[in]  indexident    int32 [nindex], index identifiers of the state
+ *  @param[in]  indexval      double [nindex], index values of the state
+ *  @param[in]  pid           int32 [npart], part identifiers
+ *  @param[in]  title         char [npart, length], titles, one behind the other; only if length is positive
+ *  @param[in]  mid           int32 [npart], material identifier of each part; unless off has 1
+ *  @param[in]  mtyp          int32 [npart], material type of each part; unless off has 2
+ *  @param[in]  pcol          int32 [npart], colour number of each part; unless off has 4
+ *  @param[in]  state         int32 [1], state number of the path; negative: taken from indexident
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; bit 128 has no effect here
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  float_size    int32 [1], stored size of the doubles, see @ref value_size
+ *  @param[out] status        int32 [1], 0 written; -1 exists already; -8, -10 the group cannot be created, opened;
+ *                            otherwise see @ref storage_codes */
+KOB_API void KOB_WRITE_PARTS(const int64_t* group, const char* etyppart, const int32_t* npart, const int32_t* off,
+                             const int32_t* length, const int32_t* nindex, const int32_t* indexic,
+                             const int32_t* indexident, const double* indexval, const int32_t* pid, const char* title,
+                             const int32_t* mid, const int32_t* mtyp, const int32_t* pcol, const int32_t* state,
+                             const int32_t* filter_flags, const int32_t* filter_params, const int32_t* float_size,
+                             int32_t* status);
+
+/** Reads the parts of one part type, by sections.
+ *
+ *  A call that reads nothing behind the key (mode 0 or 4, or mode 2 of a constant block) reports the key, 100, as its
+ *  status.
+ *  @param[in]     block         int64 [1], group of the block
+ *  @param[in]     mode          int32 [1], sum of 1: etyppart to indexic; 2: indexident, indexval; 8: pid to pcol and
+ *                               the filters. Other bits have no effect
+ *  @param[out]    etyppart      text256 [1], part type name
+ *  @param[in,out] npart         int32 [1], number of parts; input if mode lacks 1, like off and the other counts
+ *  @param[in,out] off           int32 [1], sum of 1: no mid; 2: no mtyp; 4: no pcol
+ *  @param[in,out] length        int32 [1], characters of each title; 0 or less: no titles
+ *  @param[in,out] nindex        int32 [1], number of index values
+ *  @param[out]    indexic       int32 [1], code of the index kind
+ *  @param[out]    indexident    int32 [nindex], index identifiers of the state
+ *  @param[out]    indexval      double [nindex], index values of the state
+ *  @param[out]    pid           int32 [npart], part identifiers
+ *  @param[out]    title         char [npart, length], titles, one behind the other; only if length is positive
+ *  @param[out]    mid           int32 [npart], material identifier of each part; unless off has 1
+ *  @param[out]    mtyp          int32 [npart], material type of each part; unless off has 2
+ *  @param[out]    pcol          int32 [npart], colour number of each part; unless off has 4
+ *  @param[out]    filter_flags  int32 [1], filters of the last dataset read, see @ref filters; mode 8 only
+ *  @param[out]    filter_params int32 [2], their parameters; mode 8 only
+ *  @param[out]    status        int32 [1], 0 read; 100 nothing to read; -1 invalid handle or not a parts block;
+ *                               otherwise see @ref storage_codes (-6002: off asks for an array that is not there) */
+KOB_API void KOB_READ_PARTS(const int64_t* block, const int32_t* mode, char* etyppart, int32_t* npart, int32_t* off,
+                            int32_t* length, int32_t* nindex, int32_t* indexic, int32_t* indexident, double* indexval,
+                            int32_t* pid, char* title, int32_t* mid, int32_t* mtyp, int32_t* pcol,
+                            int32_t* filter_flags, int32_t* filter_params, int32_t* status);
+
+/** Writes attributes of the entities of one type: identifiers, and optionally titles and further numbers.
+ *
+ *  Placed with the names "attributes" and etyp, constant or in a state; one block per entity type and state.
+ *  @param[in]  group         int64 [1], group from KOB_OPEN()
+ *  @param[in]  etyp          text256 [1], entity type name
+ *  @param[in]  nent          int32 [1], number of entities
+ *  @param[in]  nuid          int32 [1], number of further identifiers of each entity
+ *  @param[in]  length        int32 [1], characters of each title; 0 or less: no titles
+ *  @param[in]  nindex        int32 [1], number of index values, see @ref state_index; 0: constant
+ *  @param[in]  indexic       int32 [1], code of the index kind, stored as given
+ *  @param[in]  indexident    int32 [nindex], index identifiers of the state
+ *  @param[in]  indexval      double [nindex], index values of the state
+ *  @param[in]  entid         int32 [nent], entity identifiers
+ *  @param[in]  title         char [nent, length], titles, one behind the other; only if length is positive
+ *  @param[in]  uid           int32 [nent, nuid], further identifiers; only if nuid is positive
+ *  @param[in]  state         int32 [1], state number of the path; negative: taken from indexident
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; bit 128 has no effect here
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  float_size    int32 [1], stored size of the doubles, see @ref value_size
+ *  @param[out] status        int32 [1], 0 written; -1 exists already; -8, -10 the group cannot be created, opened;
+ *                            otherwise see @ref storage_codes */
+KOB_API void KOB_WRITE_ATTRIBUTES(const int64_t* group, const char* etyp, const int32_t* nent, const int32_t* nuid,
+                                  const int32_t* length, const int32_t* nindex, const int32_t* indexic,
+                                  const int32_t* indexident, const double* indexval, const int32_t* entid,
+                                  const char* title, const int32_t* uid, const int32_t* state,
+                                  const int32_t* filter_flags, const int32_t* filter_params, const int32_t* float_size,
+                                  int32_t* status);
+
+/** Reads the attributes of the entities of one type, by sections.
+ *
+ *  A call that reads nothing behind the key (mode 0 or 4, or mode 2 of a constant block) reports the key, 200, as its
+ *  status.
+ *  @param[in]     block         int64 [1], group of the block
+ *  @param[in]     mode          int32 [1], sum of 1: etyp to indexic; 2: indexident, indexval; 8: entid, title, uid and
+ *                               the filters. Other bits have no effect
+ *  @param[out]    etyp          text256 [1], entity type name
+ *  @param[in,out] nent          int32 [1], number of entities; input if mode lacks 1, like the other counts
+ *  @param[in,out] nuid          int32 [1], number of further identifiers of each entity
+ *  @param[in,out] length        int32 [1], characters of each title; 0 or less: no titles
+ *  @param[in,out] nindex        int32 [1], number of index values
+ *  @param[out]    indexic       int32 [1], code of the index kind
+ *  @param[out]    indexident    int32 [nindex], index identifiers of the state
+ *  @param[out]    indexval      double [nindex], index values of the state
+ *  @param[out]    entid         int32 [nent], entity identifiers
+ *  @param[out]    title         char [nent, length], titles, one behind the other; only if length is positive
+ *  @param[out]    uid           int32 [nent, nuid], further identifiers; only if nuid is positive
+ *  @param[out]    filter_flags  int32 [1], filters of the last dataset read, see @ref filters; mode 8 only
+ *  @param[out]    filter_params int32 [2], their parameters; mode 8 only
+ *  @param[out]    status        int32 [1], 0 read; 200 nothing to read; -1 invalid handle or not an attributes block;
+ *                               otherwise see @ref storage_codes */
+KOB_API void KOB_READ_ATTRIBUTES(const int64_t* block, const int32_t* mode, char* etyp, int32_t* nent, int32_t* nuid,
+                                 int32_t* length, int32_t* nindex, int32_t* indexic, int32_t* indexident,
+                                 double* indexval, int32_t* entid, char* title, int32_t* uid, int32_t* filter_flags,
+                                 int32_t* filter_params, int32_t* status);
+
+/** Writes identifiers of the entities of one type, in a block of the same make as KOB_WRITE_ATTRIBUTES().
+ *
+ *  Placed with the names "identifiers" and etyp, constant or in a state; one block per entity type and state.
+ *  @param[in]  group         int64 [1], group from KOB_OPEN()
+ *  @param[in]  etyp          text256 [1], entity type name
+ *  @param[in]  nent          int32 [1], number of entities
+ *  @param[in]  nuid          int32 [1], number of further identifiers of each entity
+ *  @param[in]  length        int32 [1], characters of each title; 0 or less: no titles
+ *  @param[in]  nindex        int32 [1], number of index values, see @ref state_index; 0: constant
+ *  @param[in]  indexic       int32 [1], code of the index kind, stored as given
+ *  @param[in]  indexident    int32 [nindex], index identifiers of the state
+ *  @param[in]  indexval      double [nindex], index values of the state
+ *  @param[in]  entid         int32 [nent], entity identifiers
+ *  @param[in]  title         char [nent, length], titles, one behind the other; only if length is positive
+ *  @param[in]  uid           int32 [nent, nuid], further identifiers; only if nuid is positive
+ *  @param[in]  state         int32 [1], state number of the path; negative: taken from indexident
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; bit 128 has no effect here
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  float_size    int32 [1], stored size of the doubles, see @ref value_size
+ *  @param[out] status        int32 [1], 0 written; -1 exists already; -8, -10 the group cannot be created, opened;
+ *                            otherwise see @ref storage_codes */
+KOB_API void KOB_WRITE_IDENTIFIERS(const int64_t* group, const char* etyp, const int32_t* nent, const int32_t* nuid,
+                                   const int32_t* length, const int32_t* nindex, const int32_t* indexic,
+                                   const int32_t* indexident, const double* indexval, const int32_t* entid,
+                                   const char* title, const int32_t* uid, const int32_t* state,
+                                   const int32_t* filter_flags, const int32_t* filter_params, const int32_t* float_size,
+                                   int32_t* status);
+
+/** Reads the identifiers of the entities of one type, by sections.
+ *
+ *  A call that reads nothing behind the key (mode 0 or 4, or mode 2 of a constant block) reports the key, 250, as its
+ *  status.
+ *  @param[in]     block         int64 [1], group of the block
+ *  @param[in]     mode          int32 [1], sum of 1: etyp to indexic; 2: indexident, indexval; 8: entid, title, uid and
+ *                               the filters. Other bits have no effect
+ *  @param[out]    etyp          text256 [1], entity type name
+ *  @param[in,out] nent          int32 [1], number of entities; input if mode lacks 1, like the other counts
+ *  @param[in,out] nuid          int32 [1], number of further identifiers of each entity
+ *  @param[in,out] length        int32 [1], characters of each title; 0 or less: no titles
+ *  @param[in,out] nindex        int32 [1], number of index values
+ *  @param[out]    indexic       int32 [1], code of the index kind
+ *  @param[out]    indexident    int32 [nindex], index identifiers of the state
+ *  @param[out]    indexval      double [nindex], index values of the state
+ *  @param[out]    entid         int32 [nent], entity identifiers
+ *  @param[out]    title         char [nent, length], titles, one behind the other; only if length is positive
+ *  @param[out]    uid           int32 [nent, nuid], further identifiers; only if nuid is positive
+ *  @param[out]    filter_flags  int32 [1], filters of the last dataset read, see @ref filters; mode 8 only
+ *  @param[out]    filter_params int32 [2], their parameters; mode 8 only
+ *  @param[out]    status        int32 [1], 0 read; 250 nothing to read; -1 invalid handle or not an identifiers block;
+ *                               otherwise see @ref storage_codes */
+KOB_API void KOB_READ_IDENTIFIERS(const int64_t* block, const int32_t* mode, char* etyp, int32_t* nent, int32_t* nuid,
+                                  int32_t* length, int32_t* nindex, int32_t* indexic, int32_t* indexident,
+                                  double* indexval, int32_t* entid, char* title, int32_t* uid, int32_t* filter_flags,
+                                  int32_t* filter_params, int32_t* status);
+
+/** Writes collectors: groups of entities, each with its members of one or more entity types.
+ *
+ *  nenttot, the sum of nent, is computed and stored by the writer. entid holds the members of the first collector and
+ *  the first type, then of the first collector and the second type, and so on, in the order of nent. Placed with the
+ *  names "collector" and etypcoll, constant or in a state; one block per collector type and state.
+ *  @param[in]  group         int64 [1], group from KOB_OPEN()
+ *  @param[in]  etypcoll      text256 [1], collector type name
+ *  @param[in]  ncoll         int32 [1], number of collectors
+ *  @param[in]  ntyp          int32 [1], number of member entity types
+ *  @param[in]  nindex        int32 [1], number of index values, see @ref state_index; 0: constant
+ *  @param[in]  indexic       int32 [1], code of the index kind, stored as given
+ *  @param[in]  indexident    int32 [nindex], index identifiers of the state
+ *  @param[in]  indexval      double [nindex], index values of the state
+ *  @param[in]  idcoll        int32 [ncoll], collector identifiers
+ *  @param[in]  etyp          text256 [ntyp], names of the member entity types
+ *  @param[in]  nent          int32 [ncoll, ntyp], number of members of each type in each collector
+ *  @param[in]  entid         int32 [nenttot], identifiers of the members
+ *  @param[in]  state         int32 [1], state number of the path; negative: taken from indexident
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; bit 128 has no effect here
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  float_size    int32 [1], stored size of the doubles, see @ref value_size
+ *  @param[out] status        int32 [1], 0 written; -1 exists already; -8, -10 the group cannot be created, opened;
+ *                            otherwise see @ref storage_codes */
+KOB_API void KOB_WRITE_COLLECTOR(const int64_t* group, const char* etypcoll, const int32_t* ncoll, const int32_t* ntyp,
+                                 const int32_t* nindex, const int32_t* indexic, const int32_t* indexident,
+                                 const double* indexval, const int32_t* idcoll, const char* etyp, const int32_t* nent,
+                                 const int32_t* entid, const int32_t* state, const int32_t* filter_flags,
+                                 const int32_t* filter_params, const int32_t* float_size, int32_t* status);
+
+/** Reads collectors, in passes.
+ *
+ *  Unlike the writer it has nenttot among its arguments, in front of etypcoll.
+ *  @param[in]  block         int64 [1], group of the block
+ *  @param[in]  mode          int32 [1], 0: attributes and state index; 1: attributes; 2: everything
+ *  @param[out] nenttot       int32 [1], number of members of all collectors and types
+ *  @param[out] etypcoll      text256 [1], collector type name
+ *  @param[out] ncoll         int32 [1], number of collectors
+ *  @param[out] ntyp          int32 [1], number of member entity types
+ *  @param[out] nindex        int32 [1], number of index values; 0: constant
+ *  @param[out] indexic       int32 [1], code of the index kind
+ *  @param[out] indexident    int32 [nindex], index identifiers of the state; mode 0 and 2
+ *  @param[out] indexval      double [nindex], index values of the state; mode 0 and 2
+ *  @param[out] idcoll        int32 [ncoll], collector identifiers; mode 2, like all below
+ *  @param[out] etyp          text256 [ntyp], names of the member entity types
+ *  @param[out] nent          int32 [ncoll, ntyp], number of members of each type in each collector
+ *  @param[out] entid         int32 [nenttot], identifiers of the members
+ *  @param[out] filter_flags  int32 [1], filters of the last dataset read, see @ref filters
+ *  @param[out] filter_params int32 [2], their parameters
+ *  @param[out] status        int32 [1], 0 read; -1 invalid handle or not a collector block; -3 another mode (the
+ *                            attributes are filled in then); otherwise see @ref storage_codes */
+KOB_API void KOB_READ_COLLECTOR(const int64_t* block, const int32_t* mode, int32_t* nenttot, char* etypcoll,
+                                int32_t* ncoll, int32_t* ntyp, int32_t* nindex, int32_t* indexic, int32_t* indexident,
+                                double* indexval, int32_t* idcoll, char* etyp, int32_t* nent, int32_t* entid,
+                                int32_t* filter_flags, int32_t* filter_params, int32_t* status);
+
+/** Writes sections of a properties block, whole or some rows, into a group that the caller opened.
+ *
+ *  For each of nent entities of one type in one zone a properties block holds nbid identifiers, nbint integers,
+ *  nbfloat numbers and nbstring texts. The group stays open. What exists already is overwritten. With section bit 16
+ *  entid is written once into the shared group and linked into each block; where the shared group holds "entid"
+ *  already, it is linked and not written again. Modes 1 and 2 write into tables that mode 0 created:
+ *
+ *  | Mode | idparam, iparam, fparam and cparam hold                                          |
+ *  |------|----------------------------------------------------------------------------------|
+ *  | 0    | all rows: `[nent, nb]`, where nb is nbid, nbint, nbfloat or nbstring             |
+ *  | 1    | rows rows[0] to rows[0] + count - 1: `[count, nb]`                               |
+ *  | 2    | the first column of the rows rows[0] to rows[count - 1]: `[count]`               |
+ *
+ *  @param[in]  groups        int64 [2], group of the block, from KOB_OPENAUTOPATH(); shared group, read with section
+ *                            bit 16 only (one handle is enough without)
+ *  @param[in]  sections      int32 [1], section bits, see @ref sections: 1: etyp to indexic; 2: indexident, indexval;
+ *                            4: entid; 8: idparam to cparam; 16: shared entid
+ *  @param[in]  etyp          text256 [1], entity type name
+ *  @param[in]  etypprop      text256 [1], property type name
+ *  @param[in]  etypzone      text256 [1], zone name
+ *  @param[in]  zoneid        int32 [1], zone number
+ *  @param[in]  nent          int32 [1], number of entities
+ *  @param[in]  nbid          int32 [1], identifiers per entity; below 1: no idparam
+ *  @param[in]  nbint         int32 [1], integers per entity; below 1: no iparam
+ *  @param[in]  nbfloat       int32 [1], numbers per entity; below 1: no fparam
+ *  @param[in]  nbstring      int32 [1], texts per entity; below 1: no cparam
+ *  @param[in]  length        int32 [1], characters of each text; 0 or less: no cparam
+ *  @param[in]  nindex        int32 [1], number of index values; 0: constant
+ *  @param[in]  indexic       int32 [1], code of the index kind, stored as given
+ *  @param[in]  indexident    int32 [nindex], index identifiers of the state
+ *  @param[in]  indexval      double [nindex], index values of the state
+ *  @param[in]  entid         int32 [nent], entity identifiers
+ *  @param[in]  idparam       int32 [nent, nbid], identifiers; with mode 1 and 2 as above, like all below
+ *  @param[in]  iparam        int32 [nent, nbint], integers
+ *  @param[in]  fparam        double [nent, nbfloat], numbers
+ *  @param[in]  cparam        char [nent, nbstring, length], texts, one behind the other
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; bit 128 has no effect here
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  float_size    int32 [1], stored size of the doubles, see @ref value_size
+ *  @param[in]  mode          int32 [1], 0: all rows; 1: a run of rows; 2: the first column of single rows; read with
+ *                            section bit 8 only, like count and rows
+ *  @param[in]  count         int64 [1], mode 1: number of rows; mode 2: number of points
+ *  @param[in]  rows          int64 [count], mode 1: [1], first row; mode 2: the row of each point
+ *  @param[out] status        int32 [1], 0 written; a negative handle; -999 unknown mode; otherwise see
+ *                            @ref storage_codes (-3000: mode 1 or 2 without a table; -6031, -6032: outside of it) */
+KOB_API void KOB_WRITE_PROPERTIES(const int64_t* groups, const int32_t* sections, const char* etyp,
+                                  const char* etypprop, const char* etypzone, const int32_t* zoneid,
+                                  const int32_t* nent, const int32_t* nbid, const int32_t* nbint,
+                                  const int32_t* nbfloat, const int32_t* nbstring, const int32_t* length,
+                                  const int32_t* nindex, const int32_t* indexic, const int32_t* indexident,
+                                  const double* indexval, const int32_t* entid, const int32_t* idparam,
+                                  const int32_t* iparam, const double* fparam, const char* cparam,
+                                  const int32_t* filter_flags, const int32_t* filter_params, const int32_t* float_size,
+                                  const int32_t* mode, const int64_t* count, const int64_t* rows, int32_t* status);
+
+/** Reads sections of a properties block, whole or some rows; KOB_WRITE_PROPERTIES() has the table of modes.
+ *
+ *  A call that reads nothing behind the key (no section bit, bit 16, or bit 2 of a constant block) reports the key,
+ *  500, as its status. Filters are not reported.
+ *  @param[in]     block      int64 [1], group of the block
+ *  @param[in]     sections   int32 [1], section bits 1, 2, 4, 8 as of the writer; others have no effect
+ *  @param[out]    etyp       text256 [1], entity type name
+ *  @param[out]    etypprop   text256 [1], property type name
+ *  @param[out]    etypzone   text256 [1], zone name
+ *  @param[out]    zoneid     int32 [1], zone number
+ *  @param[in,out] nent       int32 [1], number of entities; input if sections lack 1, like the other counts
+ *  @param[in,out] nbid       int32 [1], identifiers per entity; below 1: no idparam
+ *  @param[in,out] nbint      int32 [1], integers per entity; below 1: no iparam
+ *  @param[in,out] nbfloat    int32 [1], numbers per entity; below 1: no fparam
+ *  @param[in,out] nbstring   int32 [1], texts per entity; below 1: no cparam
+ *  @param[in,out] length     int32 [1], characters of each text; 0 or less: no cparam
+ *  @param[in,out] nindex     int32 [1], number of index values; 0: constant
+ *  @param[out]    indexic    int32 [1], code of the index kind
+ *  @param[out]    indexident int32 [nindex], index identifiers of the state
+ *  @param[out]    indexval   double [nindex], index values of the state
+ *  @param[out]    entid      int32 [nent], entity identifiers
+ *  @param[out]    idparam    int32 [nent, nbid], identifiers; mode 1 [count, nbid], mode 2 [count], like below
+ *  @param[out]    iparam     int32 [nent, nbint], integers
+ *  @param[out]    fparam     double [nent, nbfloat], numbers
+ *  @param[out]    cparam     char [nent, nbstring, length], texts, one behind the other
+ *  @param[in]     unused22   unused [1], not read
+ *  @param[in]     unused23   unused [1], not read
+ *  @param[in]     mode       int32 [1], 0: all rows; 1: a run of rows; 2: the first column of single rows; read with
+ *                            section bit 8 only, like count and rows
+ *  @param[in]     count      int64 [1], mode 1: number of rows; mode 2: number of points
+ *  @param[in]     rows       int64 [count], mode 1: [1], first row; mode 2: the row of each point
+ *  @param[out]    status     int32 [1], 0 read; 500 nothing to read; -1 invalid handle or not a properties block; -999
+ *                            unknown mode; otherwise see @ref storage_codes */
+KOB_API void KOB_READ_PROPERTIES(const int64_t* block, const int32_t* sections, char* etyp, char* etypprop,
+                                 char* etypzone, int32_t* zoneid, int32_t* nent, int32_t* nbid, int32_t* nbint,
+                                 int32_t* nbfloat, int32_t* nbstring, int32_t* length, int32_t* nindex,
+                                 int32_t* indexic, int32_t* indexident, double* indexval, int32_t* entid,
+                                 int32_t* idparam, int32_t* iparam, double* fparam, char* cparam, const void* unused22,
+                                 const void* unused23, const int32_t* mode, const int64_t* count, const int64_t* rows,
+                                 int32_t* status);
+
 /** @} */
 
 /** @defgroup results Results
  *
- *  A result writer writes into a block that exists already: everything is written again. The stored item "operator" is
- *  named operator_ here, since C++ reserves the word. Writes the displacements of two nodes at time 0.5, state 12:
+ *  A result writer writes into a block that exists already: everything is written again (KOB_WRITE_ACTIVFLAGS() alone
+ *  refuses). The stored item "operator" is named operator_ here, since C++ reserves the word. Writes the displacements
+ *  of two nodes at time 0.5, state 12:
  *  @code{.c}
  *  // NODE, DISPLACEMENT, BLANK: text256, padded with blanks
  *  int32_t nent = 2, ncoo = 3, no_zone = -1, fswitch = 0, dmpswitch = 0, nindex = 1, indexic = 0, indexident = 12;
@@ -978,8 +1434,8 @@ KOB_API void KOB_READ_CONNECTIVITIES(const int64_t* block, const int32_t* mode, 
 
 /** Writes the values of one variable for entities of one type: a table of nent rows and ncoo columns, for one state.
  *
- *  Placed with the names etyp, etypvar, etypzone, the zone number and the set number, constant or in a state. Where the
- *  block exists already its attributes and datasets are overwritten; counts must be the same then.
+ *  Placed with the names "entityresults", etyp, etypvar, etypzone, the zone number and the set number, constant or in a
+ *  state. Where the block exists already its attributes and datasets are overwritten; counts must be the same then.
  *  @param[in]  group         int64 [1], group from KOB_OPEN()
  *  @param[in]  etyp          text256 [1], entity type name
  *  @param[in]  nent          int32 [1], number of entities
@@ -1142,6 +1598,798 @@ KOB_API void KOB_READ_ENTITYRESULTS2(const int64_t* block, const int32_t* sectio
                                      int32_t* fidglob, int32_t* fid, char* operator_, double* weight, void* res,
                                      const int32_t* memory_size, int32_t* filter_flags, int32_t* filter_params,
                                      const int32_t* mode, const int64_t* count, const int64_t* start, int32_t* status);
+
+/** Writes the activation flag of each entity of one type, constant or for one state.
+ *
+ *  Placed with the names "activflags" and etyp, constant or in a state; one block per entity type and state: unlike the
+ *  other result writers this one refuses a block that exists already. It leaves the group of the block open.
+ *  @param[in]  group         int64 [1], group from KOB_OPEN()
+ *  @param[in]  etyp          text256 [1], entity type name
+ *  @param[in]  nent          int32 [1], number of entities
+ *  @param[in]  nindex        int32 [1], number of index values, see @ref state_index; 0: constant
+ *  @param[in]  indexic       int32 [1], code of the index kind, stored as given
+ *  @param[in]  indexident    int32 [nindex], index identifiers of the state
+ *  @param[in]  indexval      double [nindex], index values of the state
+ *  @param[in]  entid         int32 [nent], entity identifiers, any order
+ *  @param[in]  flags         int32 [nent], activation flag of each entity
+ *  @param[in]  state         int32 [1], state number of the path; negative: taken from indexident
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; bit 128 has no effect here
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  float_size    int32 [1], stored size of the doubles, see @ref value_size
+ *  @param[out] status        int32 [1], 0 written; -1 exists already; -8, -10 the group cannot be created, opened;
+ *                            otherwise see @ref storage_codes */
+KOB_API void KOB_WRITE_ACTIVFLAGS(const int64_t* group, const char* etyp, const int32_t* nent, const int32_t* nindex,
+                                  const int32_t* indexic, const int32_t* indexident, const double* indexval,
+                                  const int32_t* entid, const int32_t* flags, const int32_t* state,
+                                  const int32_t* filter_flags, const int32_t* filter_params, const int32_t* float_size,
+                                  int32_t* status);
+
+/** Reads activation flags, in passes.
+ *  @param[in]  block         int64 [1], group of the block
+ *  @param[in]  pass          int32 [1], 0: attributes and state index; 1: attributes; 2: everything
+ *  @param[out] etyp          text256 [1], entity type name
+ *  @param[out] nent          int32 [1], number of entities
+ *  @param[out] nindex        int32 [1], number of index values; 0: constant
+ *  @param[out] indexic       int32 [1], code of the index kind
+ *  @param[out] indexident    int32 [nindex], index identifiers of the state; pass 0 and 2
+ *  @param[out] indexval      double [nindex], index values of the state; pass 0 and 2
+ *  @param[out] entid         int32 [nent], entity identifiers; pass 2, like all below
+ *  @param[out] flags         int32 [nent], activation flag of each entity
+ *  @param[out] filter_flags  int32 [1], filters of the last dataset read, see @ref filters
+ *  @param[out] filter_params int32 [2], their parameters
+ *  @param[out] status        int32 [1], 0 read; -1 invalid handle or not an activation flags block; -3 another pass
+ *                            (the attributes are filled in then); otherwise see @ref storage_codes */
+KOB_API void KOB_READ_ACTIVFLAGS(const int64_t* block, const int32_t* pass, char* etyp, int32_t* nent, int32_t* nindex,
+                                 int32_t* indexic, int32_t* indexident, double* indexval, int32_t* entid,
+                                 int32_t* flags, int32_t* filter_flags, int32_t* filter_params, int32_t* status);
+
+/** Writes the values of one variable at the locations (integration points, layers, nodes) in elements of one type, for
+ *  one state.
+ *
+ *  Placed with the names "elementresults", etypelem, etypvar, etypzone, the zone number and the set number, constant or
+ *  in a state. Where the block exists already its attributes and datasets are overwritten; counts must be the same
+ *  then. Leaves the group of the block open.
+ *  @param[in]  group         int64 [1], group from KOB_OPEN()
+ *  @param[in]  etypelem      text256 [1], element type name
+ *  @param[in]  nele          int32 [1], number of elements
+ *  @param[in]  etypvar       text256 [1], name of the variable
+ *  @param[in]  ncoo          int32 [1], number of components
+ *  @param[in]  numl          int32 [1], number of locations in each element
+ *  @param[in]  ndim          int32 [1], number of coordinates of a location
+ *  @param[in]  etypzone      text256 [1], zone name; blank: none
+ *  @param[in]  zoneid        int32 [1], zone number; negative: none
+ *  @param[in]  etypframe     text256 [1], name of the frame of the components
+ *  @param[in]  fswitch       int32 [1], 0: one frame, fidglob, for all; 1: a frame for each element, fid; 2: a frame
+ *                            for each element and location, fid
+ *  @param[in]  dmpswitch     int32 [1], 1: operator and weight are written; any other: they are not
+ *  @param[in]  nindex        int32 [1], number of index values, see @ref state_index; 0: constant
+ *  @param[in]  indexic       int32 [1], code of the index kind, stored as given
+ *  @param[in]  indexident    int32 [nindex], index identifiers of the state
+ *  @param[in]  indexval      double [nindex], index values of the state
+ *  @param[in]  idele         int32 [nele], element identifiers
+ *  @param[in]  fidglob       int32 [1], frame identifier; fswitch 0 only
+ *  @param[in]  fid           int32 [nele] or [nele, numl], frame identifiers; fswitch 1 or 2 only
+ *  @param[in]  eloc          double [numl, ndim], coordinates of the locations
+ *  @param[in]  operator_     text256 [ncoo], combination operator of each component; dmpswitch 1 only
+ *  @param[in]  weight        double [nele], combination weight of each element; dmpswitch 1 only
+ *  @param[in]  res           double [nele, numl, ncoo(, 2)], values; complex with value_size 16 and 32
+ *  @param[in]  set           int32 [1], set number of the path; negative: none
+ *  @param[in]  state         int32 [1], state number of the path; negative: taken from indexident
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; of the doubles, bit 128 reaches res alone
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  value_size    int32 [1], see @ref value_size
+ *  @param[out] status        int32 [1], 0 written; -8, -10 the group cannot be created, opened; -123 fswitch is neither
+ *                            0, 1 nor 2; otherwise see @ref storage_codes */
+KOB_API void KOB_WRITE_ELEMENTRESULTS(const int64_t* group, const char* etypelem, const int32_t* nele,
+                                      const char* etypvar, const int32_t* ncoo, const int32_t* numl,
+                                      const int32_t* ndim, const char* etypzone, const int32_t* zoneid,
+                                      const char* etypframe, const int32_t* fswitch, const int32_t* dmpswitch,
+                                      const int32_t* nindex, const int32_t* indexic, const int32_t* indexident,
+                                      const double* indexval, const int32_t* idele, const int32_t* fidglob,
+                                      const int32_t* fid, const double* eloc, const char* operator_,
+                                      const double* weight, const double* res, const int32_t* set, const int32_t* state,
+                                      const int32_t* filter_flags, const int32_t* filter_params,
+                                      const int32_t* value_size, int32_t* status);
+
+/** Reads an element results block, in passes.
+ *  @param[in]  block         int64 [1], group of the block
+ *  @param[in]  pass          int32 [1], 0: attributes and state index; 1: attributes; 2: everything
+ *  @param[out] etypelem      text256 [1], element type name
+ *  @param[out] nele          int32 [1], number of elements
+ *  @param[out] etypvar       text256 [1], name of the variable
+ *  @param[out] ncoo          int32 [1], number of components
+ *  @param[out] numl          int32 [1], number of locations in each element
+ *  @param[out] ndim          int32 [1], number of coordinates of a location
+ *  @param[out] etypzone      text256 [1], zone name
+ *  @param[out] zoneid        int32 [1], zone number
+ *  @param[out] etypframe     text256 [1], name of the frame of the components
+ *  @param[out] fswitch       int32 [1], 0: one frame, fidglob, for all; 1: a frame for each element, fid; 2: a frame
+ *                            for each element and location, fid
+ *  @param[out] dmpswitch     int32 [1], 1: the block holds operator and weight
+ *  @param[out] nindex        int32 [1], number of index values; 0: constant
+ *  @param[out] indexic       int32 [1], code of the index kind
+ *  @param[out] indexident    int32 [nindex], index identifiers of the state; pass 0 and 2
+ *  @param[out] indexval      double [nindex], index values of the state; pass 0 and 2
+ *  @param[out] idele         int32 [nele], element identifiers; pass 2, like all below
+ *  @param[out] fidglob       int32 [1], frame identifier; fswitch 0 only
+ *  @param[out] fid           int32 [nele] or [nele, numl], frame identifiers; fswitch 1 or 2 only
+ *  @param[out] eloc          double [numl, ndim], coordinates of the locations
+ *  @param[out] operator_     text256 [ncoo], combination operator of each component; dmpswitch 1 only
+ *  @param[out] weight        double [nele], combination weight of each element; dmpswitch 1 only
+ *  @param[out] res           double [nele, numl, ncoo(, 2)], values; complex if the status is 1101
+ *  @param[out] filter_flags  int32 [1], filters of "res", see @ref filters
+ *  @param[out] filter_params int32 [2], their parameters
+ *  @param[out] status        int32 [1], 1100 read, real; 1101 read, complex; -1 invalid handle or not an element
+ *                            results block; -3 another pass (nothing is read); -123 fswitch is neither 0, 1 nor 2;
+ *                            otherwise see @ref storage_codes */
+KOB_API void KOB_READ_ELEMENTRESULTS(const int64_t* block, const int32_t* pass, char* etypelem, int32_t* nele,
+                                     char* etypvar, int32_t* ncoo, int32_t* numl, int32_t* ndim, char* etypzone,
+                                     int32_t* zoneid, char* etypframe, int32_t* fswitch, int32_t* dmpswitch,
+                                     int32_t* nindex, int32_t* indexic, int32_t* indexident, double* indexval,
+                                     int32_t* idele, int32_t* fidglob, int32_t* fid, double* eloc, char* operator_,
+                                     double* weight, double* res, int32_t* filter_flags, int32_t* filter_params,
+                                     int32_t* status);
+
+/** @} */
+
+/** @defgroup series Multi-state results
+ *
+ *  A multi-state block holds a whole series of states. Rows of states are absolute: a call names the rows it writes,
+ *  counted from 0, and what is there already is overwritten. The number of rows (nstate) never shrinks; rows that were
+ *  skipped hold the fill value, see @ref filters. The first write of growable data decides their filters, and
+ *  KOB_SET_CHUNK_SIZE() the states per chunk. Writes a run of states one by one:
+ *  @code{.c}
+ *  // RUN, NODE, DISPLACEMENT, BLANK: text256, padded with blanks; the other arguments as for KOB_WRITE_ENTITYRESULTS()
+ *  for (int32_t step = 0; step < steps; ++step) {
+ *      int32_t state = step == 0 ? 1 : -step;   // row 0 is the first of a run of one state, others go by their number
+ *      KOB_WRITE_MULTIENTITYRESULTS(&group, RUN, NODE, &nent, DISPLACEMENT, &ncoo, BLANK, &no_zone, BLANK, &fswitch,
+ *                                   &dmpswitch, &nindex, &step, &time[step], entid, &fidglob, NULL, NULL, NULL,
+ *                                   values[step], &none, &state, &plain, params, &value_size, &status);
+ *  }
+ *  @endcode
+ *  @{ */
+
+/** Writes states of a series of entity results: tables of nent rows and ncoo columns, as many as there are states.
+ *
+ *  The first call for a block writes its attributes and identifiers, later ones write their states and nstate alone.
+ *  Placed with the names series, "multientityresults", etyp, etypvar, etypzone, the zone number and the set number
+ *  under "multistate".
+ *
+ *  Row 0 is written with s = 1. s = 0 makes an empty block, or leaves an existing one as it is.
+ *  @param[in]  group         int64 [1], group from KOB_OPEN()
+ *  @param[in]  series        text256 [1], name of the series of states, leads the path
+ *  @param[in]  etyp          text256 [1], entity type name
+ *  @param[in]  nent          int32 [1], number of entities
+ *  @param[in]  etypvar       text256 [1], name of the variable
+ *  @param[in]  ncoo          int32 [1], number of components
+ *  @param[in]  etypzone      text256 [1], zone name; blank: none
+ *  @param[in]  zoneid        int32 [1], zone number; negative: none
+ *  @param[in]  etypframe     text256 [1], name of the frame of the components
+ *  @param[in]  fswitch       int32 [1], 0: one frame, fidglob, for all; 1: a frame for each entity, fid
+ *  @param[in]  dmpswitch     int32 [1], 1: operator and weight are written; any other: they are not
+ *  @param[in]  nindex        int32 [1], number of index values of a state
+ *  @param[in]  indexident    int32 [states, nindex], index identifiers of each state written
+ *  @param[in]  indexval      real [states, nindex], index values of each state written
+ *  @param[in]  entid         int32 [nent], entity identifiers
+ *  @param[in]  fidglob       int32 [1], frame identifier; fswitch 0 only
+ *  @param[in]  fid           int32 [nent], frame identifiers; fswitch 1 only
+ *  @param[in]  operator_     text256 [ncoo], combination operator of each component; dmpswitch 1 only
+ *  @param[in]  weight        real [nent], combination weight of each entity; dmpswitch 1 only
+ *  @param[in]  res           real [states, nent, ncoo(, 2)], values; complex with value_size 16 and 32
+ *  @param[in]  set           int32 [1], set number of the path; negative: none
+ *  @param[in]  state         int32 [1], s >= 0: the arrays hold s states, written to rows 0 to s - 1; s < 0: they hold
+ *                            one state, written to row -s
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; of the floating-point data, bit 128 reaches res alone
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  value_size    int32 [1], see @ref value_size; plus 1024: indexval, weight and res are 4-byte numbers in
+ *                            memory
+ *  @param[out] status        int32 [1], 0 written; -1 the group cannot be closed; -8, -10 the group cannot be created,
+ *                            opened; -123 fswitch is neither 0 nor 1; otherwise see @ref storage_codes */
+KOB_API void KOB_WRITE_MULTIENTITYRESULTS(const int64_t* group, const char* series, const char* etyp,
+                                          const int32_t* nent, const char* etypvar, const int32_t* ncoo,
+                                          const char* etypzone, const int32_t* zoneid, const char* etypframe,
+                                          const int32_t* fswitch, const int32_t* dmpswitch, const int32_t* nindex,
+                                          const int32_t* indexident, const void* indexval, const int32_t* entid,
+                                          const int32_t* fidglob, const int32_t* fid, const char* operator_,
+                                          const void* weight, const void* res, const int32_t* set, const int32_t* state,
+                                          const int32_t* filter_flags, const int32_t* filter_params,
+                                          const int32_t* value_size, int32_t* status);
+
+/** Writes pieces of states of a series of entity results: KOB_WRITE_MULTIENTITYRESULTS() with a selection.
+ *
+ *  With a negative state and mode 1 or 2 the selection says what is written, and the state number itself is not used;
+ *  else mode, count and start are ignored. rank is 3, of complex values 4; state rows count from the first state of the
+ *  block. Index rows that go with the values:
+ *
+ *  | Mode | Rows written                     | indexident, indexval                    |
+ *  |------|----------------------------------|-----------------------------------------|
+ *  | 1    | start[0] to start[0]+count[0]-1  | `[count[0], nindex]`                    |
+ *  | 2    | 0 to the largest row of a point  | `[largest row + 1, nindex]`             |
+ *  @param[in]  group         int64 [1], group from KOB_OPEN()
+ *  @param[in]  series        text256 [1], name of the series of states, leads the path
+ *  @param[in]  etyp          text256 [1], entity type name
+ *  @param[in]  nent          int32 [1], number of entities
+ *  @param[in]  etypvar       text256 [1], name of the variable
+ *  @param[in]  ncoo          int32 [1], number of components
+ *  @param[in]  etypzone      text256 [1], zone name; blank: none
+ *  @param[in]  zoneid        int32 [1], zone number; negative: none
+ *  @param[in]  etypframe     text256 [1], name of the frame of the components
+ *  @param[in]  fswitch       int32 [1], 0: one frame, fidglob, for all; 1: a frame for each entity, fid
+ *  @param[in]  dmpswitch     int32 [1], 1: operator and weight are written; any other: they are not
+ *  @param[in]  nindex        int32 [1], number of index values of a state
+ *  @param[in]  indexident    int32 [states, nindex], index identifiers of each state written
+ *  @param[in]  indexval      real [states, nindex], index values of each state written
+ *  @param[in]  entid         int32 [nent], entity identifiers
+ *  @param[in]  fidglob       int32 [1], frame identifier; fswitch 0 only
+ *  @param[in]  fid           int32 [nent], frame identifiers; fswitch 1 only
+ *  @param[in]  operator_     text256 [ncoo], combination operator of each component; dmpswitch 1 only
+ *  @param[in]  weight        real [nent], combination weight of each entity; dmpswitch 1 only
+ *  @param[in]  res           real [states, nent, ncoo(, 2)], values; with a selection [count], or [number of points]
+ *  @param[in]  set           int32 [1], set number of the path; negative: none
+ *  @param[in]  state         int32 [1], see KOB_WRITE_MULTIENTITYRESULTS(); negative with mode 1 or 2: the selection
+ *                            counts
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; of the floating-point data, bit 128 reaches res alone
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  value_size    int32 [1], see @ref value_size; plus 1024: indexval, weight and res are 4-byte numbers in
+ *                            memory
+ *  @param[in]  mode          int32 [1], 0: whole states; 1: a block of values; 2: single values
+ *  @param[in]  count         int64 [rank], mode 1: extents of the block of values; mode 2: [1], number of points
+ *  @param[in]  start         int64 [rank], mode 1: first state row, first entity, first component; mode 2: [points,
+ *                            rank], coordinates
+ *  @param[out] status        int32 [1], 0 written; -1 the group cannot be closed; -8, -10 the group cannot be created,
+ *                            opened; -123 fswitch is neither 0 nor 1; -999 unknown mode; otherwise see @ref
+ *                            storage_codes */
+KOB_API void KOB_WRITE_MULTIENTITYRESULTC(const int64_t* group, const char* series, const char* etyp,
+                                          const int32_t* nent, const char* etypvar, const int32_t* ncoo,
+                                          const char* etypzone, const int32_t* zoneid, const char* etypframe,
+                                          const int32_t* fswitch, const int32_t* dmpswitch, const int32_t* nindex,
+                                          const int32_t* indexident, const void* indexval, const int32_t* entid,
+                                          const int32_t* fidglob, const int32_t* fid, const char* operator_,
+                                          const void* weight, const void* res, const int32_t* set, const int32_t* state,
+                                          const int32_t* filter_flags, const int32_t* filter_params,
+                                          const int32_t* value_size, const int32_t* mode, const int64_t* count,
+                                          const int64_t* start, int32_t* status);
+
+/** Writes states, or pieces of states, of a series of entity results into a group that the caller opened.
+ *
+ *  The group stays open. A block without "entid" counts as new and gets its attributes and identifiers first.
+ *  @param[in]  groups        int64 [2], group of the block, from KOB_OPENAUTOPATH(); the second one is not read
+ *  @param[in]  unused2       unused [1], not read
+ *  @param[in]  unused3       unused [1], not read
+ *  @param[in]  series        text256 [1], name of the series of states
+ *  @param[in]  etyp          text256 [1], entity type name
+ *  @param[in]  nent          int32 [1], number of entities
+ *  @param[in]  etypvar       text256 [1], name of the variable
+ *  @param[in]  ncoo          int32 [1], number of components
+ *  @param[in]  etypzone      text256 [1], zone name; blank: none
+ *  @param[in]  zoneid        int32 [1], zone number; negative: none
+ *  @param[in]  etypframe     text256 [1], name of the frame of the components
+ *  @param[in]  fswitch       int32 [1], 0: one frame, fidglob, for all; 1: a frame for each entity, fid
+ *  @param[in]  dmpswitch     int32 [1], 1: operator and weight are written; any other: they are not
+ *  @param[in]  nindex        int32 [1], number of index values of a state
+ *  @param[in]  indexident    int32 [states, nindex], index identifiers of each state written, see
+ *                            KOB_WRITE_MULTIENTITYRESULTC()
+ *  @param[in]  indexval      real [states, nindex], index values of each state written
+ *  @param[in]  entid         int32 [nent], entity identifiers
+ *  @param[in]  fidglob       int32 [1], frame identifier; fswitch 0 only
+ *  @param[in]  fid           int32 [nent], frame identifiers; fswitch 1 only
+ *  @param[in]  operator_     text256 [ncoo], combination operator of each component; dmpswitch 1 only
+ *  @param[in]  weight        real [nent], combination weight of each entity; dmpswitch 1 only
+ *  @param[in]  res           real [states, nent, ncoo(, 2)], values; with mode 1 [count], with mode 2 [number of
+ *                            points]
+ *  @param[in]  memory_size   int32 [1], size of the numbers in indexval, weight and res: 4 or 8
+ *  @param[in]  state         int32 [1], mode 0: number of states, written to rows 0 to state - 1; else not used
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; of the floating-point data, bit 128 reaches res alone
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  value_size    int32 [1], see @ref value_size
+ *  @param[in]  mode          int32 [1], 0: whole states; 1: a block of values; 2: single values
+ *  @param[in]  count         int64 [rank], mode 1: extents of the block of values; mode 2: [1], number of points
+ *  @param[in]  start         int64 [rank], mode 1: first state row, first entity, first component; mode 2: [points,
+ *                            rank], coordinates
+ *  @param[out] nstate        int32 [1], number of state rows that the block holds now
+ *  @param[out] status        int32 [1], 0 written; a negative handle; -123 fswitch is neither 0 nor 1; -999 unknown
+ *                            mode, or mode 0 with a negative state; otherwise see @ref storage_codes */
+KOB_API void KOB_WRITE_MULTIENTITYRESULTS2(
+    const int64_t* groups, const void* unused2, const void* unused3, const char* series, const char* etyp,
+    const int32_t* nent, const char* etypvar, const int32_t* ncoo, const char* etypzone, const int32_t* zoneid,
+    const char* etypframe, const int32_t* fswitch, const int32_t* dmpswitch, const int32_t* nindex,
+    const int32_t* indexident, const void* indexval, const int32_t* entid, const int32_t* fidglob, const int32_t* fid,
+    const char* operator_, const void* weight, const void* res, const int32_t* memory_size, const int32_t* state,
+    const int32_t* filter_flags, const int32_t* filter_params, const int32_t* value_size, const int32_t* mode,
+    const int64_t* count, const int64_t* start, int32_t* nstate, int32_t* status);
+
+/** Reads a series of entity results with all its states, in passes.
+ *  @param[in]  block         int64 [1], group of the block
+ *  @param[in]  pass          int32 [1], 0: attributes and state index; 1: attributes; 2: everything
+ *  @param[out] series        text256 [1], name of the series of states
+ *  @param[out] etyp          text256 [1], entity type name
+ *  @param[out] nent          int32 [1], number of entities
+ *  @param[out] etypvar       text256 [1], name of the variable
+ *  @param[out] ncoo          int32 [1], number of components
+ *  @param[out] etypzone      text256 [1], zone name
+ *  @param[out] zoneid        int32 [1], zone number
+ *  @param[out] etypframe     text256 [1], name of the frame of the components
+ *  @param[out] fswitch       int32 [1], 0: one frame, fidglob, for all; 1: a frame for each entity, fid
+ *  @param[out] dmpswitch     int32 [1], 1: the block holds operator and weight
+ *  @param[out] nindex        int32 [1], number of index values of a state
+ *  @param[out] nstate        int32 [1], number of state rows
+ *  @param[out] indexident    int32 [nstate, nindex], index identifiers of each state; pass 0 and 2
+ *  @param[out] indexval      double [nstate, nindex], index values of each state; pass 0 and 2
+ *  @param[out] entid         int32 [nent], entity identifiers; pass 2, like all below
+ *  @param[out] fidglob       int32 [1], frame identifier; fswitch 0 only
+ *  @param[out] fid           int32 [nent], frame identifiers; fswitch 1 only
+ *  @param[out] operator_     text256 [ncoo], combination operator of each component; dmpswitch 1 only
+ *  @param[out] weight        double [nent], combination weight of each entity; dmpswitch 1 only
+ *  @param[out] res           double [nstate, nent, ncoo(, 2)], values; complex if the status is 1051
+ *  @param[out] filter_flags  int32 [1], filters of "res", see @ref filters
+ *  @param[out] filter_params int32 [2], their parameters
+ *  @param[out] status        int32 [1], 1050 read, real; 1051 read, complex; -1 invalid handle or not a block of
+ *                            multi-state entity results; -3 another pass; -123 fswitch is neither 0 nor 1; otherwise
+ *                            see @ref storage_codes */
+KOB_API void KOB_READ_MULTIENTITYRESULTS(const int64_t* block, const int32_t* pass, char* series, char* etyp,
+                                         int32_t* nent, char* etypvar, int32_t* ncoo, char* etypzone, int32_t* zoneid,
+                                         char* etypframe, int32_t* fswitch, int32_t* dmpswitch, int32_t* nindex,
+                                         int32_t* nstate, int32_t* indexident, double* indexval, int32_t* entid,
+                                         int32_t* fidglob, int32_t* fid, char* operator_, double* weight, double* res,
+                                         int32_t* filter_flags, int32_t* filter_params, int32_t* status);
+
+/** Reads a series of entity results, whole or by state or in pieces, in passes.
+ *
+ *  1024 added to the pass means that indexval, weight and res are 4-byte numbers in memory. In the passes 3, 4 and 5
+ *  the counts and switches are inputs:
+ *
+ *  | Pass | Read                                                                               |
+ *  |------|------------------------------------------------------------------------------------|
+ *  | 0    | attributes and the index rows of all states                                        |
+ *  | 1    | attributes                                                                         |
+ *  | 2    | everything                                                                         |
+ *  | 3    | res: with mode 0 the state row that nstate says, else the selection                |
+ *  | 4    | the same, and the index rows of it: with mode 0 one, with mode 1 count[0], with    |
+ *  |      | mode 2 one for each point                                                          |
+ *  | 5    | entid to weight                                                                    |
+ *
+ *  rank is 3, of complex values 4.
+ *  @param[in]     block         int64 [1], group of the block
+ *  @param[in]     pass          int32 [1], 0 to 5, plus 1024 for 4-byte numbers
+ *  @param[out]    series        text256 [1], name of the series of states
+ *  @param[out]    etyp          text256 [1], entity type name
+ *  @param[in,out] nent          int32 [1], number of entities
+ *  @param[out]    etypvar       text256 [1], name of the variable
+ *  @param[in,out] ncoo          int32 [1], number of components
+ *  @param[out]    etypzone      text256 [1], zone name
+ *  @param[out]    zoneid        int32 [1], zone number
+ *  @param[out]    etypframe     text256 [1], name of the frame of the components
+ *  @param[in,out] fswitch       int32 [1], 0: one frame, fidglob, for all; 1: a frame for each entity, fid
+ *  @param[in,out] dmpswitch     int32 [1], 1: the block holds operator and weight
+ *  @param[in,out] nindex        int32 [1], number of index values of a state
+ *  @param[in,out] nstate        int32 [1], number of state rows; pass 3 and 4: the state row to read, from 0
+ *  @param[out]    indexident    int32 [nstate, nindex], index identifiers of each state; pass 0, 2 and 4
+ *  @param[out]    indexval      real [nstate, nindex], index values of each state; pass 0, 2 and 4
+ *  @param[out]    entid         int32 [nent], entity identifiers; pass 2 and 5, like those down to weight
+ *  @param[out]    fidglob       int32 [1], frame identifier; fswitch 0 only
+ *  @param[out]    fid           int32 [nent], frame identifiers; fswitch 1 only
+ *  @param[out]    operator_     text256 [ncoo], combination operator of each component; dmpswitch 1 only
+ *  @param[out]    weight        real [nent], combination weight of each entity; dmpswitch 1 only
+ *  @param[out]    res           real [nstate, nent, ncoo(, 2)], values; pass 3 and 4: [nent, ncoo(, 2)], [count] or
+ *                               [number of points]
+ *  @param[out]    filter_flags  int32 [1], filters of "res", see @ref filters; pass 2, 3 and 4
+ *  @param[out]    filter_params int32 [2], their parameters
+ *  @param[in]     mode          int32 [1], 0: a whole state; 1: a block of values; 2: single values; read in pass 3 and
+ *                               4 only
+ *  @param[in]     count         int64 [rank], mode 1: extents of the block of values; mode 2: [1], number of points
+ *  @param[in]     start         int64 [rank], mode 1: first state row, first entity, first component; mode 2: [points,
+ *                               rank], coordinates
+ *  @param[out]    status        int32 [1], 1050 read, real; 1051 read, complex; -1 invalid handle or not a block of
+ *                               multi-state entity results; -3 another pass; -123 fswitch is neither 0 nor 1; -999
+ *                               unknown mode; otherwise see @ref storage_codes */
+KOB_API void KOB_READ_MULTIENTITYRESULTC(const int64_t* block, const int32_t* pass, char* series, char* etyp,
+                                         int32_t* nent, char* etypvar, int32_t* ncoo, char* etypzone, int32_t* zoneid,
+                                         char* etypframe, int32_t* fswitch, int32_t* dmpswitch, int32_t* nindex,
+                                         int32_t* nstate, int32_t* indexident, void* indexval, int32_t* entid,
+                                         int32_t* fidglob, int32_t* fid, char* operator_, void* weight, void* res,
+                                         int32_t* filter_flags, int32_t* filter_params, const int32_t* mode,
+                                         const int64_t* count, const int64_t* start, int32_t* status);
+
+/** Reads sections of a series of entity results, all states or pieces.
+ *
+ *  Without section bit 1 the counts and switches are inputs. rank is 3, of complex values 4. With mode 1 and 2 section
+ *  bit 2 reads the index rows that KOB_READ_MULTIENTITYRESULTC() reads in pass 4.
+ *  @param[in]     block         int64 [1], group of the block
+ *  @param[in]     sections      int32 [1], section bits 1, 2, 4, 8, see @ref sections
+ *  @param[in]     unused3       unused [1], not read
+ *  @param[out]    series        text256 [1], name of the series of states
+ *  @param[out]    etyp          text256 [1], entity type name
+ *  @param[in,out] nent          int32 [1], number of entities
+ *  @param[out]    etypvar       text256 [1], name of the variable
+ *  @param[in,out] ncoo          int32 [1], number of components
+ *  @param[out]    etypzone      text256 [1], zone name
+ *  @param[out]    zoneid        int32 [1], zone number
+ *  @param[out]    etypframe     text256 [1], name of the frame of the components
+ *  @param[in,out] fswitch       int32 [1], 0: one frame, fidglob, for all; 1: a frame for each entity, fid
+ *  @param[in,out] dmpswitch     int32 [1], 1: the block holds operator and weight
+ *  @param[in,out] nindex        int32 [1], number of index values of a state
+ *  @param[in,out] nstate        int32 [1], number of state rows
+ *  @param[out]    indexident    int32 [nstate, nindex], index identifiers of each state
+ *  @param[out]    indexval      real [nstate, nindex], index values of each state
+ *  @param[out]    entid         int32 [nent], entity identifiers
+ *  @param[out]    fidglob       int32 [1], frame identifier; fswitch 0 only
+ *  @param[out]    fid           int32 [nent], frame identifiers; fswitch 1 only
+ *  @param[out]    operator_     text256 [ncoo], combination operator of each component; dmpswitch 1 only
+ *  @param[out]    weight        real [nent], combination weight of each entity; dmpswitch 1 only
+ *  @param[out]    res           real [nstate, nent, ncoo(, 2)], values; with mode 1 [count], with mode 2 [number of
+ *                               points]
+ *  @param[in]     memory_size   int32 [1], size of the numbers in indexval, weight and res: 4 or 8
+ *  @param[out]    filter_flags  int32 [1], filters of "res", see @ref filters; section bit 8 only
+ *  @param[out]    filter_params int32 [2], their parameters
+ *  @param[in]     mode          int32 [1], 0: all states; 1: a block of values; 2: single values
+ *  @param[in]     count         int64 [rank], mode 1: extents of the block of values; mode 2: [1], number of points
+ *  @param[in]     start         int64 [rank], mode 1: first state row, first entity, first component; mode 2: [points,
+ *                               rank], coordinates
+ *  @param[out]    status        int32 [1], 1050 read, real; 1051 read, complex; -1 invalid handle or not a block of
+ *                               multi-state entity results; -123 fswitch is neither 0 nor 1; -999 unknown mode;
+ *                               otherwise see @ref storage_codes */
+KOB_API void KOB_READ_MULTIENTITYRESULTS2(const int64_t* block, const int32_t* sections, const void* unused3,
+                                          char* series, char* etyp, int32_t* nent, char* etypvar, int32_t* ncoo,
+                                          char* etypzone, int32_t* zoneid, char* etypframe, int32_t* fswitch,
+                                          int32_t* dmpswitch, int32_t* nindex, int32_t* nstate, int32_t* indexident,
+                                          void* indexval, int32_t* entid, int32_t* fidglob, int32_t* fid,
+                                          char* operator_, void* weight, void* res, const int32_t* memory_size,
+                                          int32_t* filter_flags, int32_t* filter_params, const int32_t* mode,
+                                          const int64_t* count, const int64_t* start, int32_t* status);
+
+/** Writes the first states of a series of element results.
+ *
+ *  The first call for a block writes its attributes and identifiers, later ones write their states and nstate alone. n
+ *  = 0 makes an empty block, or leaves an existing one as it is. Placed with the names series, "multielementresults",
+ *  etypelem, etypvar, etypzone, the zone number and the set number under "multistate". Leaves the group of the block
+ *  open.
+ *  @param[in]  group         int64 [1], group from KOB_OPEN()
+ *  @param[in]  series        text256 [1], name of the series of states, leads the path
+ *  @param[in]  etypelem      text256 [1], element type name
+ *  @param[in]  nele          int32 [1], number of elements
+ *  @param[in]  etypvar       text256 [1], name of the variable
+ *  @param[in]  ncoo          int32 [1], number of components
+ *  @param[in]  numl          int32 [1], number of locations in each element
+ *  @param[in]  ndim          int32 [1], number of coordinates of a location
+ *  @param[in]  etypzone      text256 [1], zone name; blank: none
+ *  @param[in]  zoneid        int32 [1], zone number; negative: none
+ *  @param[in]  etypframe     text256 [1], name of the frame of the components
+ *  @param[in]  fswitch       int32 [1], 0: one frame, fidglob, for all; 1: a frame for each element, fid; 2: a frame
+ *                            for each element and location, fid
+ *  @param[in]  dmpswitch     int32 [1], 1: operator and weight are written; any other: they are not
+ *  @param[in]  nindex        int32 [1], number of index values of a state
+ *  @param[in]  indexident    int32 [n, nindex], index identifiers of each state
+ *  @param[in]  indexval      double [n, nindex], index values of each state
+ *  @param[in]  idele         int32 [nele], element identifiers
+ *  @param[in]  fidglob       int32 [1], frame identifier; fswitch 0 only
+ *  @param[in]  fid           int32 [nele] or [nele, numl], frame identifiers; fswitch 1 or 2 only
+ *  @param[in]  eloc          double [numl, ndim], coordinates of the locations
+ *  @param[in]  operator_     text256 [ncoo], combination operator of each component; dmpswitch 1 only
+ *  @param[in]  weight        double [nele], combination weight of each element; dmpswitch 1 only
+ *  @param[in]  res           double [n, nele, numl, ncoo(, 2)], values; complex with value_size 16 and 32
+ *  @param[in]  set           int32 [1], set number of the path; negative: none
+ *  @param[in]  n             int32 [1], number of states, written to rows 0 to n - 1
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; of the doubles, bit 128 reaches res alone
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  value_size    int32 [1], see @ref value_size
+ *  @param[out] status        int32 [1], 0 written; -8, -10 the group cannot be created, opened; -123 fswitch is neither
+ *                            0, 1 nor 2; -999 n is negative; otherwise see @ref storage_codes */
+KOB_API void KOB_WRITE_MULTIELEMENTRESULTS(const int64_t* group, const char* series, const char* etypelem,
+                                           const int32_t* nele, const char* etypvar, const int32_t* ncoo,
+                                           const int32_t* numl, const int32_t* ndim, const char* etypzone,
+                                           const int32_t* zoneid, const char* etypframe, const int32_t* fswitch,
+                                           const int32_t* dmpswitch, const int32_t* nindex, const int32_t* indexident,
+                                           const double* indexval, const int32_t* idele, const int32_t* fidglob,
+                                           const int32_t* fid, const double* eloc, const char* operator_,
+                                           const double* weight, const double* res, const int32_t* set,
+                                           const int32_t* n, const int32_t* filter_flags, const int32_t* filter_params,
+                                           const int32_t* value_size, int32_t* status);
+
+/** Reads a series of element results with all its states, in passes.
+ *  @param[in]  block         int64 [1], group of the block
+ *  @param[in]  pass          int32 [1], 0: attributes and state index; 1: attributes; 2: everything
+ *  @param[out] series        text256 [1], name of the series of states
+ *  @param[out] etypelem      text256 [1], element type name
+ *  @param[out] nele          int32 [1], number of elements
+ *  @param[out] etypvar       text256 [1], name of the variable
+ *  @param[out] ncoo          int32 [1], number of components
+ *  @param[out] numl          int32 [1], number of locations in each element
+ *  @param[out] ndim          int32 [1], number of coordinates of a location
+ *  @param[out] etypzone      text256 [1], zone name
+ *  @param[out] zoneid        int32 [1], zone number
+ *  @param[out] etypframe     text256 [1], name of the frame of the components
+ *  @param[out] fswitch       int32 [1], 0: one frame, fidglob, for all; 1: a frame for each element, fid; 2: a frame
+ *                            for each element and location, fid
+ *  @param[out] dmpswitch     int32 [1], 1: the block holds operator and weight
+ *  @param[out] nindex        int32 [1], number of index values of a state
+ *  @param[out] nstate        int32 [1], number of state rows
+ *  @param[out] indexident    int32 [nstate, nindex], index identifiers of each state; pass 0 and 2
+ *  @param[out] indexval      double [nstate, nindex], index values of each state; pass 0 and 2
+ *  @param[out] idele         int32 [nele], element identifiers; pass 2, like all below
+ *  @param[out] fidglob       int32 [1], frame identifier; fswitch 0 only
+ *  @param[out] fid           int32 [nele] or [nele, numl], frame identifiers; fswitch 1 or 2 only
+ *  @param[out] eloc          double [numl, ndim], coordinates of the locations
+ *  @param[out] operator_     text256 [ncoo], combination operator of each component; dmpswitch 1 only
+ *  @param[out] weight        double [nele], combination weight of each element; dmpswitch 1 only
+ *  @param[out] res           double [nstate, nele, numl, ncoo(, 2)], values; complex if the status is 1151
+ *  @param[out] filter_flags  int32 [1], filters of "res", see @ref filters
+ *  @param[out] filter_params int32 [2], their parameters
+ *  @param[out] status        int32 [1], 1150 read, real; 1151 read, complex; -1 invalid handle or not a block of
+ *                            multi-state element results; -3 another pass (nothing is read); -123 fswitch is neither 0,
+ *                            1 nor 2; otherwise see @ref storage_codes */
+KOB_API void KOB_READ_MULTIELEMENTRESULTS(const int64_t* block, const int32_t* pass, char* series, char* etypelem,
+                                          int32_t* nele, char* etypvar, int32_t* ncoo, int32_t* numl, int32_t* ndim,
+                                          char* etypzone, int32_t* zoneid, char* etypframe, int32_t* fswitch,
+                                          int32_t* dmpswitch, int32_t* nindex, int32_t* nstate, int32_t* indexident,
+                                          double* indexval, int32_t* idele, int32_t* fidglob, int32_t* fid,
+                                          double* eloc, char* operator_, double* weight, double* res,
+                                          int32_t* filter_flags, int32_t* filter_params, int32_t* status);
+
+/** Writes the first states of a series of activation flags.
+ *
+ *  The first call for a block writes its attributes and identifiers, later ones write their states and nstate alone. n
+ *  = 0 makes an empty block, or leaves an existing one as it is. Placed with the names series, "multiactivflags" and
+ *  etyp under "multistate". Leaves the group of the block open.
+ *  @param[in]  group         int64 [1], group from KOB_OPEN()
+ *  @param[in]  series        text256 [1], name of the series of states, leads the path
+ *  @param[in]  etyp          text256 [1], entity type name
+ *  @param[in]  nent          int32 [1], number of entities
+ *  @param[in]  nindex        int32 [1], number of index values of a state
+ *  @param[in]  indexident    int32 [n, nindex], index identifiers of each state
+ *  @param[in]  indexval      double [n, nindex], index values of each state
+ *  @param[in]  entid         int32 [nent], entity identifiers
+ *  @param[in]  flags         int32 [n, nent], activation flag of each entity in each state
+ *  @param[in]  n             int32 [1], number of states, written to rows 0 to n - 1
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; bit 128 has no effect here
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  float_size    int32 [1], stored size of the doubles, see @ref value_size
+ *  @param[out] status        int32 [1], 0 written; -8, -10 the group cannot be created, opened; -999 n is negative;
+ *                            otherwise see @ref storage_codes */
+KOB_API void KOB_WRITE_MULTIACTIVFLAGS(const int64_t* group, const char* series, const char* etyp, const int32_t* nent,
+                                       const int32_t* nindex, const int32_t* indexident, const double* indexval,
+                                       const int32_t* entid, const int32_t* flags, const int32_t* n,
+                                       const int32_t* filter_flags, const int32_t* filter_params,
+                                       const int32_t* float_size, int32_t* status);
+
+/** Reads a series of activation flags with all its states, in passes.
+ *  @param[in]  block         int64 [1], group of the block
+ *  @param[in]  pass          int32 [1], 0: attributes and state index; 1: attributes; 2: everything
+ *  @param[out] series        text256 [1], name of the series of states
+ *  @param[out] etyp          text256 [1], entity type name
+ *  @param[out] nent          int32 [1], number of entities
+ *  @param[out] nindex        int32 [1], number of index values of a state
+ *  @param[out] nstate        int32 [1], number of state rows
+ *  @param[out] indexident    int32 [nstate, nindex], index identifiers of each state; pass 0 and 2
+ *  @param[out] indexval      double [nstate, nindex], index values of each state; pass 0 and 2
+ *  @param[out] entid         int32 [nent], entity identifiers; pass 2, like all below
+ *  @param[out] flags         int32 [nstate, nent], activation flag of each entity in each state
+ *  @param[out] filter_flags  int32 [1], filters of the last dataset read, see @ref filters
+ *  @param[out] filter_params int32 [2], their parameters
+ *  @param[out] status        int32 [1], 0 read; -1 invalid handle or not a block of multi-state activation flags; -3
+ *                            another pass (the attributes are filled in then); otherwise see @ref storage_codes */
+KOB_API void KOB_READ_MULTIACTIVFLAGS(const int64_t* block, const int32_t* pass, char* series, char* etyp,
+                                      int32_t* nent, int32_t* nindex, int32_t* nstate, int32_t* indexident,
+                                      double* indexval, int32_t* entid, int32_t* flags, int32_t* filter_flags,
+                                      int32_t* filter_params, int32_t* status);
+
+/** @} */
+
+/** @defgroup matrices Matrices
+ *
+ *  A matrix block holds one matrix of one entity. The first call for a block writes its attributes and state index,
+ *  later ones write values alone: give a selection to write a large matrix in pieces. The writers close the group of
+ *  the block. Values never written hold the fill value (10000 under scale-offset, else 0).
+ *  @code{.c}
+ *  // ELEMENT, STIFFNESS: text256, padded with blanks
+ *  int32_t entid = 17, nrow = 2, ncolumn = 2, nindex = 0, indexic = 0, none = -1, plain = 0, params[] = {0, 0}, status;
+ *  int32_t value_size = 8, whole = 0;
+ *  double val[] = {2.0, -1.0, -1.0, 2.0};
+ *  KOB_WRITE_DENSEMATRIX(&group, ELEMENT, &entid, STIFFNESS, &nrow, &ncolumn, &nindex, &indexic, NULL, NULL, val,
+ *                        &none, &plain, params, &value_size, &whole, NULL, NULL, &status, 256, 256);
+ *  @endcode
+ *  @{ */
+
+/** Writes a full matrix of one entity, the whole of it or pieces.
+ *
+ *  Placed with the names "densematrix", etyp, etypvar and "id" with entid behind it, constant or in a state. In pieces
+ *  rank is 2, of complex values 3.
+ *  @param[in]  group         int64 [1], group from KOB_OPEN()
+ *  @param[in]  etyp          text256 [1], entity type name
+ *  @param[in]  entid         int32 [1], entity identifier
+ *  @param[in]  etypvar       text256 [1], name of the matrix variable
+ *  @param[in]  nrow          int32 [1], number of rows
+ *  @param[in]  ncolumn       int32 [1], number of columns
+ *  @param[in]  nindex        int32 [1], number of index values, see @ref state_index; 0: constant
+ *  @param[in]  indexic       int32 [1], code of the index kind, stored as given
+ *  @param[in]  indexident    int32 [nindex], index identifiers of the state
+ *  @param[in]  indexval      double [nindex], index values of the state
+ *  @param[in]  val           double [nrow, ncolumn(, 2)], values; with mode 1 [count], with mode 2 [number of points]
+ *  @param[in]  state         int32 [1], state number of the path; negative: taken from indexident
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; of the doubles, bit 128 reaches val alone
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  value_size    int32 [1], see @ref value_size
+ *  @param[in]  mode          int32 [1], 0: all values; 1: a block of them; 2: single values
+ *  @param[in]  count         int64 [rank], mode 1: extents of the block; mode 2: [1], number of points
+ *  @param[in]  start         int64 [rank], mode 1: first indices; mode 2: [points, rank], coordinates
+ *  @param[out] status        int32 [1], 0 written; -8, -10 the group cannot be created, opened; -999 unknown mode
+ *                            (attributes and index of a new block are written); otherwise see @ref storage_codes
+ *  @param[in]  unused20      int32 by value, ignored
+ *  @param[in]  unused21      int32 by value, ignored */
+KOB_API void KOB_WRITE_DENSEMATRIX(const int64_t* group, const char* etyp, const int32_t* entid, const char* etypvar,
+                                   const int32_t* nrow, const int32_t* ncolumn, const int32_t* nindex,
+                                   const int32_t* indexic, const int32_t* indexident, const double* indexval,
+                                   const double* val, const int32_t* state, const int32_t* filter_flags,
+                                   const int32_t* filter_params, const int32_t* value_size, const int32_t* mode,
+                                   const int64_t* count, const int64_t* start, int32_t* status, int32_t unused20,
+                                   int32_t unused21);
+
+/** Reads a dense matrix, whole or in pieces, in passes.
+ *
+ *  In pieces rank is 2, of complex values 3.
+ *  @param[in]  block         int64 [1], group of the block
+ *  @param[in]  pass          int32 [1], 0: attributes and state index; 1: attributes; 2: everything; 3: a block of the
+ *                            values; 4: single values
+ *  @param[out] etyp          text256 [1], entity type name
+ *  @param[out] entid         int32 [1], entity identifier
+ *  @param[out] etypvar       text256 [1], name of the matrix variable
+ *  @param[out] nrow          int32 [1], number of rows
+ *  @param[out] ncolumn       int32 [1], number of columns
+ *  @param[out] nindex        int32 [1], number of index values; 0: constant
+ *  @param[out] indexic       int32 [1], code of the index kind
+ *  @param[out] indexident    int32 [nindex], index identifiers of the state; pass 0 and 2
+ *  @param[out] indexval      double [nindex], index values of the state; pass 0 and 2
+ *  @param[out] val           double [nrow, ncolumn(, 2)], values; complex if the status is 10001; pass 3 [count], pass
+ *                            4 [number of points]
+ *  @param[out] filter_flags  int32 [1], filters of "val", see @ref filters; pass 2, 3 and 4
+ *  @param[out] filter_params int32 [2], their parameters
+ *  @param[in]  count         int64 [rank], pass 3: extents of the block; pass 4: [1], number of points
+ *  @param[in]  start         int64 [rank], pass 3: first indices; pass 4: [points, rank], coordinates
+ *  @param[out] status        int32 [1], 10000 read, real; 10001 read, complex; -1 invalid handle or not a dense matrix
+ *                            block; -3 another pass (nothing is read); otherwise see @ref storage_codes
+ *  @param[in]  unused18      int32 by value, ignored
+ *  @param[in]  unused19      int32 by value, ignored */
+KOB_API void KOB_READ_DENSEMATRIX(const int64_t* block, const int32_t* pass, char* etyp, int32_t* entid, char* etypvar,
+                                  int32_t* nrow, int32_t* ncolumn, int32_t* nindex, int32_t* indexic,
+                                  int32_t* indexident, double* indexval, double* val, int32_t* filter_flags,
+                                  int32_t* filter_params, const int64_t* count, const int64_t* start, int32_t* status,
+                                  int32_t unused18, int32_t unused19);
+
+/** Writes one triangle of a square matrix of one entity, the whole of it or pieces.
+ *
+ *  Placed with the names "triangularmatrix", etyp, etypvar and "id" with entid behind it, constant or in a state. Which
+ *  triangle it is, and in which order, is the callers' affair. npacked stands for nsize * (nsize + 1) / 2, computed in
+ *  32 bits without sign: orders of 65536 and more wrap around. In pieces rank is 1, of complex values 2.
+ *  @param[in]  group         int64 [1], group from KOB_OPEN()
+ *  @param[in]  etyp          text256 [1], entity type name
+ *  @param[in]  entid         int32 [1], entity identifier
+ *  @param[in]  etypvar       text256 [1], name of the matrix variable
+ *  @param[in]  nsize         int32 [1], order of the matrix
+ *  @param[in]  matrixtype    int32 [1], code of the kind of matrix, stored as given
+ *  @param[in]  nindex        int32 [1], number of index values, see @ref state_index; 0: constant
+ *  @param[in]  indexic       int32 [1], code of the index kind, stored as given
+ *  @param[in]  indexident    int32 [nindex], index identifiers of the state
+ *  @param[in]  indexval      double [nindex], index values of the state
+ *  @param[in]  val           double [npacked(, 2)], values; with mode 1 [count], with mode 2 [number of points]
+ *  @param[in]  state         int32 [1], state number of the path; negative: taken from indexident
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; of the doubles, bit 128 reaches val alone
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  value_size    int32 [1], see @ref value_size
+ *  @param[in]  mode          int32 [1], 0: all values; 1: a block of them; 2: single values
+ *  @param[in]  count         int64 [rank], mode 1: extents of the block; mode 2: [1], number of points
+ *  @param[in]  start         int64 [rank], mode 1: first indices; mode 2: [points, rank], coordinates
+ *  @param[out] status        int32 [1], 0 written; -8, -10 the group cannot be created, opened; -999 unknown mode
+ *                            (attributes and index of a new block are written); otherwise see @ref storage_codes
+ *  @param[in]  unused20      int32 by value, ignored
+ *  @param[in]  unused21      int32 by value, ignored */
+KOB_API void KOB_WRITE_TRIANGULARMATRIX(const int64_t* group, const char* etyp, const int32_t* entid,
+                                        const char* etypvar, const int32_t* nsize, const int32_t* matrixtype,
+                                        const int32_t* nindex, const int32_t* indexic, const int32_t* indexident,
+                                        const double* indexval, const double* val, const int32_t* state,
+                                        const int32_t* filter_flags, const int32_t* filter_params,
+                                        const int32_t* value_size, const int32_t* mode, const int64_t* count,
+                                        const int64_t* start, int32_t* status, int32_t unused20, int32_t unused21);
+
+/** Reads a triangular matrix, whole or in pieces, in passes.
+ *
+ *  In pieces rank is 1, of complex values 2.
+ *  @param[in]  block         int64 [1], group of the block
+ *  @param[in]  pass          int32 [1], 0: attributes and state index; 1: attributes; 2: everything; 3: a block of the
+ *                            values; 4: single values
+ *  @param[out] etyp          text256 [1], entity type name
+ *  @param[out] entid         int32 [1], entity identifier
+ *  @param[out] etypvar       text256 [1], name of the matrix variable
+ *  @param[out] nsize         int32 [1], order of the matrix
+ *  @param[out] matrixtype    int32 [1], code of the kind of matrix
+ *  @param[out] nindex        int32 [1], number of index values; 0: constant
+ *  @param[out] indexic       int32 [1], code of the index kind
+ *  @param[out] indexident    int32 [nindex], index identifiers of the state; pass 0 and 2
+ *  @param[out] indexval      double [nindex], index values of the state; pass 0 and 2
+ *  @param[out] val           double [npacked(, 2)], values; complex if the status is 10101; pass 3 [count], pass 4
+ *                            [number of points]
+ *  @param[out] filter_flags  int32 [1], filters of "val", see @ref filters; pass 2, 3 and 4
+ *  @param[out] filter_params int32 [2], their parameters
+ *  @param[in]  count         int64 [rank], pass 3: extents of the block; pass 4: [1], number of points
+ *  @param[in]  start         int64 [rank], pass 3: first indices; pass 4: [points, rank], coordinates
+ *  @param[out] status        int32 [1], 10100 read, real; 10101 read, complex; -1 invalid handle or not a triangular
+ *                            matrix block; -3 another pass (nothing is read); otherwise see @ref storage_codes
+ *  @param[in]  unused18      int32 by value, ignored
+ *  @param[in]  unused19      int32 by value, ignored */
+KOB_API void KOB_READ_TRIANGULARMATRIX(const int64_t* block, const int32_t* pass, char* etyp, int32_t* entid,
+                                       char* etypvar, int32_t* nsize, int32_t* matrixtype, int32_t* nindex,
+                                       int32_t* indexic, int32_t* indexident, double* indexval, double* val,
+                                       int32_t* filter_flags, int32_t* filter_params, const int64_t* count,
+                                       const int64_t* start, int32_t* status, int32_t unused18, int32_t unused19);
+
+/** Writes a matrix of one entity by its stored entries, row after row; the values whole or in pieces.
+ *
+ *  Placed with the names "sparsematrix", etyp, etypvar and "id" with entid behind it, constant or in a state. colind
+ *  and rowptr are stored as given, counted from 0 or from 1 as the callers agree, and by the first call for a block
+ *  alone. In pieces rank is 1, of complex values 2.
+ *  @param[in]  group         int64 [1], group from KOB_OPEN()
+ *  @param[in]  etyp          text256 [1], entity type name
+ *  @param[in]  entid         int32 [1], entity identifier
+ *  @param[in]  etypvar       text256 [1], name of the matrix variable
+ *  @param[in]  nrow          int32 [1], number of rows
+ *  @param[in]  nnz           int64 [1], number of stored entries
+ *  @param[in]  nindex        int32 [1], number of index values, see @ref state_index; 0: constant
+ *  @param[in]  indexic       int32 [1], code of the index kind, stored as given
+ *  @param[in]  indexident    int32 [nindex], index identifiers of the state
+ *  @param[in]  indexval      double [nindex], index values of the state
+ *  @param[in]  colind        int32 [nnz], column of each entry
+ *  @param[in]  rowptr        int64 [nrow + 1], where each row starts in colind and val, and the end
+ *  @param[in]  val           double [nnz(, 2)], values; with mode 1 [count], with mode 2 [number of points]
+ *  @param[in]  state         int32 [1], state number of the path; negative: taken from indexident
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; of the doubles, bit 128 reaches val alone
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  value_size    int32 [1], see @ref value_size
+ *  @param[in]  mode          int32 [1], 0: all values; 1: a block of them; 2: single values
+ *  @param[in]  count         int64 [rank], mode 1: extents of the block; mode 2: [1], number of points
+ *  @param[in]  start         int64 [rank], mode 1: first indices; mode 2: [points, rank], coordinates
+ *  @param[out] status        int32 [1], 0 written; -8, -10 the group cannot be created, opened; -999 unknown mode
+ *                            (attributes and index of a new block are written); otherwise see @ref storage_codes
+ *  @param[in]  unused22      int32 by value, ignored
+ *  @param[in]  unused23      int32 by value, ignored */
+KOB_API void KOB_WRITE_SPARSEMATRIX(const int64_t* group, const char* etyp, const int32_t* entid, const char* etypvar,
+                                    const int32_t* nrow, const int64_t* nnz, const int32_t* nindex,
+                                    const int32_t* indexic, const int32_t* indexident, const double* indexval,
+                                    const int32_t* colind, const int64_t* rowptr, const double* val,
+                                    const int32_t* state, const int32_t* filter_flags, const int32_t* filter_params,
+                                    const int32_t* value_size, const int32_t* mode, const int64_t* count,
+                                    const int64_t* start, int32_t* status, int32_t unused22, int32_t unused23);
+
+/** Reads a sparse matrix, whole or in pieces, in passes.
+ *
+ *  In pieces rank is 1, of complex values 2. The passes 3 and 4 read colind and rowptr, too, whole and with the extents
+ *  that the caller gives.
+ *  @param[in]     block         int64 [1], group of the block
+ *  @param[in]     pass          int32 [1], 0: attributes and state index; 1: attributes; 2: everything; 3: a block of
+ *                               the values; 4: single values
+ *  @param[out]    etyp          text256 [1], entity type name
+ *  @param[out]    entid         int32 [1], entity identifier
+ *  @param[out]    etypvar       text256 [1], name of the matrix variable
+ *  @param[in,out] nrow          int32 [1], number of rows; input in pass 3 and 4
+ *  @param[in,out] nnz           int64 [1], number of stored entries; input in pass 3 and 4
+ *  @param[out]    nindex        int32 [1], number of index values; 0: constant
+ *  @param[out]    indexic       int32 [1], code of the index kind
+ *  @param[out]    indexident    int32 [nindex], index identifiers of the state; pass 0 and 2
+ *  @param[out]    indexval      double [nindex], index values of the state; pass 0 and 2
+ *  @param[out]    colind        int32 [nnz], column of each entry; pass 2, 3 and 4
+ *  @param[out]    rowptr        int64 [nrow + 1], where each row starts in colind and val, and the end; pass 2, 3 and 4
+ *  @param[out]    val           double [nnz(, 2)], values; complex if the status is 10201; pass 3 [count], pass 4
+ *                               [number of points]
+ *  @param[out]    filter_flags  int32 [1], filters of "val", see @ref filters; pass 2, 3 and 4
+ *  @param[out]    filter_params int32 [2], their parameters
+ *  @param[in]     count         int64 [rank], pass 3: extents of the block; pass 4: [1], number of points
+ *  @param[in]     start         int64 [rank], pass 3: first indices; pass 4: [points, rank], coordinates
+ *  @param[out]    status        int32 [1], 10200 read, real; 10201 read, complex; -1 invalid handle or not a sparse
+ *                               matrix block; -3 another pass (nothing is read); otherwise see @ref storage_codes
+ *  @param[in]     unused20      int32 by value, ignored
+ *  @param[in]     unused21      int32 by value, ignored */
+KOB_API void KOB_READ_SPARSEMATRIX(const int64_t* block, const int32_t* pass, char* etyp, int32_t* entid, char* etypvar,
+                                   int32_t* nrow, int64_t* nnz, int32_t* nindex, int32_t* indexic, int32_t* indexident,
+                                   double* indexval, int32_t* colind, int64_t* rowptr, double* val,
+                                   int32_t* filter_flags, int32_t* filter_params, const int64_t* count,
+                                   const int64_t* start, int32_t* status, int32_t unused20, int32_t unused21);
 
 /** @} */
 
