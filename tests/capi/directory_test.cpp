@@ -20,6 +20,7 @@
 #include "plain_block.hpp"
 #include "support/captured_stream.hpp"
 #include "support/hdf5_file.hpp"
+#include "support/identifiers.hpp"
 #include "support/temp_file.hpp"
 
 using namespace kob_test;
@@ -50,9 +51,9 @@ struct Lookup {
     Lookup& operator=(const Lookup&) = delete;
     ~Lookup()
     {
-        std::free(keys); // NOLINT: these arrays are malloc's by agreement
+        std::free(keys);    // NOLINT: these arrays are malloc's by agreement
         std::free(offsets); // NOLINT
-        std::free(paths); // NOLINT
+        std::free(paths);   // NOLINT
     }
 
     /// Arrays of the caller's own.
@@ -60,9 +61,11 @@ struct Lookup {
     {
         capacity = entries;
         path_size = bytes;
-        keys = static_cast<std::int32_t*>(std::malloc(sizeof(std::int32_t) * static_cast<std::size_t>(entries))); // NOLINT
-        offsets = static_cast<std::int64_t*>(std::malloc(sizeof(std::int64_t) * static_cast<std::size_t>(entries + 1))); // NOLINT
-        paths = static_cast<char*>(std::malloc(static_cast<std::size_t>(bytes))); // NOLINT
+        keys =
+            static_cast<std::int32_t*>(std::malloc(sizeof(std::int32_t) * static_cast<std::size_t>(entries))); // NOLINT
+        offsets = static_cast<std::int64_t*>(
+            std::malloc(sizeof(std::int64_t) * static_cast<std::size_t>(entries + 1))); // NOLINT
+        paths = static_cast<char*>(std::malloc(static_cast<std::size_t>(bytes)));       // NOLINT
     }
 
     Lookup& run(std::int64_t group)
@@ -135,12 +138,12 @@ TEST_F(Directory, Lists_keys_and_paths_in_the_order_of_names)
     block("constant/indices/kobblock", 20);
     block("constant/NODE/kobblock", 200);
     create_group(file_, "kobheader");
-    EXPECT_THAT(entries_of(file_), ElementsAre(Entry{200, "constant/NODE/kobblock"},
-                                               Entry{20, "constant/indices/kobblock"},
-                                               Entry{10, "constant/system/kobblock"}, Entry{1, "kobheader"},
-                                               Entry{1050, "multistate/NODE/kobblock"},
-                                               Entry{1000, "singlestate/state000000000002/NODE/kobblock"},
-                                               Entry{1001, "singlestate/state000000000010/NODE/kobblock"}));
+    EXPECT_THAT(entries_of(file_),
+                ElementsAre(Entry{200, "constant/NODE/kobblock"}, Entry{20, "constant/indices/kobblock"},
+                            Entry{10, "constant/system/kobblock"}, Entry{1, "kobheader"},
+                            Entry{1050, "multistate/NODE/kobblock"},
+                            Entry{1000, "singlestate/state000000000002/NODE/kobblock"},
+                            Entry{1001, "singlestate/state000000000010/NODE/kobblock"}));
 }
 
 TEST_F(Directory, Paths_start_at_the_given_group)
@@ -223,9 +226,9 @@ TEST_F(Directory, Counting_hands_out_no_arrays)
         EXPECT_EQ(lookup.keys, nullptr);
         EXPECT_EQ(lookup.offsets, nullptr);
         EXPECT_EQ(lookup.paths, nullptr);
-        std::free(keys); // NOLINT: what was handed in is still the caller's
+        std::free(keys);    // NOLINT: what was handed in is still the caller's
         std::free(offsets); // NOLINT
-        std::free(paths); // NOLINT
+        std::free(paths);   // NOLINT
     }
 }
 
@@ -329,11 +332,10 @@ TEST_F(Directory, The_listing_is_printed_when_verbose)
     create_group(file_, "kobheader");
     Lookup lookup;
     lookup.verbose = 1;
-    EXPECT_EQ(output_of([&] { lookup.run(file_); }),
-              "\n KOB INFO KOB_LOOKUP: 2 blocks found - total path len: 33\n\n"
-              "      block:   blockkey path\n"
-              "          0:        200 \"constant/NODE/kobblock\"\n"
-              "          1:          1 \"kobheader\"\n\n");
+    EXPECT_EQ(output_of([&] { lookup.run(file_); }), "\n KOB INFO KOB_LOOKUP: 2 blocks found - total path len: 33\n\n"
+                                                     "      block:   blockkey path\n"
+                                                     "          0:        200 \"constant/NODE/kobblock\"\n"
+                                                     "          1:          1 \"kobheader\"\n\n");
 }
 
 TEST_F(Directory, Nothing_is_printed_unless_verbose)
@@ -368,8 +370,8 @@ TEST_F(Directory, Soft_links_to_groups_are_followed)
     block("a/NODE/kobblock", 200);
     soft_link("/a", "b");
     soft_link("a/NODE/kobblock", "kobblock");
-    EXPECT_THAT(entries_of(file_), ElementsAre(Entry{200, "a/NODE/kobblock"}, Entry{200, "b/NODE/kobblock"},
-                                               Entry{200, "kobblock"}));
+    EXPECT_THAT(entries_of(file_),
+                ElementsAre(Entry{200, "a/NODE/kobblock"}, Entry{200, "b/NODE/kobblock"}, Entry{200, "kobblock"}));
 }
 
 TEST_F(Directory, External_links_to_groups_are_followed)
@@ -381,8 +383,8 @@ TEST_F(Directory, External_links_to_groups_are_followed)
     external_link("mesh.kob", "/results", "mesh");
     external_link("mesh.kob", "/results/constant/ELEM/kobblock", "kobblock");
     block("a/kobblock", 100);
-    EXPECT_THAT(entries_of(file_),
-                ElementsAre(Entry{100, "a/kobblock"}, Entry{300, "kobblock"}, Entry{300, "mesh/constant/ELEM/kobblock"}));
+    EXPECT_THAT(entries_of(file_), ElementsAre(Entry{100, "a/kobblock"}, Entry{300, "kobblock"},
+                                               Entry{300, "mesh/constant/ELEM/kobblock"}));
 }
 
 TEST_F(Directory, Links_that_lead_nowhere_are_skipped)
@@ -396,7 +398,9 @@ TEST_F(Directory, Links_that_lead_nowhere_are_skipped)
     external_link("missing.kob", "/", "y");
     create_group(file_, "c");
     external_link("missing.kob", "/", "c/kobblock");
-    { create_file(dir_ / "other.kob"); }
+    {
+        create_file(dir_ / "other.kob");
+    }
     external_link("other.kob", "/nowhere", "x");
     EXPECT_THAT(entries_of(file_), ElementsAre(Entry{100, "m/kobblock"}));
 }

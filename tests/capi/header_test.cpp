@@ -179,8 +179,8 @@ TEST(Header, A_foreign_signature_and_version_add_up)
 
 TEST(Header, Any_other_version_is_wrong)
 {
-    for (const auto* version : {"2 2 15", "2 2 17", "2 2 160", "3 0 0", "2 3 16", "1 2 16", "2 2", "2", "", "a b c",
-                                "2.2.16", "-2 2 16"}) {
+    for (const auto* version :
+         {"2 2 15", "2 2 17", "2 2 160", "3 0 0", "2 3 16", "1 2 16", "2 2", "2", "", "a b c", "2.2.16", "-2 2 16"}) {
         const auto read = read_made(signature + version);
         EXPECT_EQ(read.status, 100) << version;
         EXPECT_EQ(read.version, padded(version, 32) + "########");

@@ -46,10 +46,9 @@ protected:
     static Opened open_below(std::int64_t parent, const Place& place)
     {
         Opened opened;
-        KOB_OPENAUTOPATH(&parent, &place.mask, nullptr, &place.ioflag, &place.nstate, place.states.data(),
-                         &place.state, place.names[0].data(), place.names[1].data(), place.names[2].data(),
-                         place.names[3].data(), place.names[4].data(), &place.number, &place.set, &opened.block,
-                         &opened.status);
+        KOB_OPENAUTOPATH(&parent, &place.mask, nullptr, &place.ioflag, &place.nstate, place.states.data(), &place.state,
+                         place.names[0].data(), place.names[1].data(), place.names[2].data(), place.names[3].data(),
+                         place.names[4].data(), &place.number, &place.set, &opened.block, &opened.status);
         if (opened.status < 0) return opened;
         std::array<char, 4096> name{};
         H5Iget_name(opened.block, name.data(), name.size());

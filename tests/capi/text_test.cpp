@@ -71,10 +71,7 @@ TEST(TextLength, Is_zero_for_declared_lengths_below_one)
     EXPECT_EQ(KOB_strlen(nullptr, 0), 0);
 }
 
-TEST(TextLength, Keeps_leading_and_inner_blanks)
-{
-    EXPECT_EQ(KOB_strlen("  a  b  ", 8), 6);
-}
+TEST(TextLength, Keeps_leading_and_inner_blanks) { EXPECT_EQ(KOB_strlen("  a  b  ", 8), 6); }
 
 TEST(TextLength, Is_zero_without_a_graphic_character)
 {
@@ -175,10 +172,7 @@ TEST(TextCompare, Looks_at_the_declared_length_only)
     EXPECT_EQ(KOB_strncmp(text1.data(), text2.data(), 5), 0);
 }
 
-TEST(ChunkSize, Is_one_at_first)
-{
-    EXPECT_EQ(first_chunk_size, 1);
-}
+TEST(ChunkSize, Is_one_at_first) { EXPECT_EQ(first_chunk_size, 1); }
 
 TEST(ChunkSize, Keeps_whatever_is_set)
 {

@@ -103,14 +103,13 @@ OpenIdentifiers OpenIdentifiers::without_new_groups(const OpenIdentifiers& befor
     return rest;
 }
 
-void allow_open_groups(int count)
-{
-    allowed_groups = count;
-}
+void allow_open_groups(int count) { allowed_groups = count; }
 
 void check_identifiers_after_each_test()
 {
-    H5open(); // HDF5's own identifiers exist from here on
+    H5open(); // HDF5's own identifiers exist from here on, its file drivers only after each was named once
+    for (const auto driver : {H5FD_CORE, H5FD_FAMILY, H5FD_LOG, H5FD_MULTI, H5FD_SEC2, H5FD_STDIO})
+        EXPECT_GE(driver, 0);
     testing::UnitTest::GetInstance()->listeners().Append(new IdentifierListener); // GoogleTest becomes its owner
 }
 
