@@ -60,25 +60,16 @@ Hid::~Hid()
     if (id_ >= 0 && H5Iis_valid(id_) > 0) H5Idec_ref(id_);
 }
 
-Hid create_file(const std::string& path)
-{
-    return H5Fcreate(path.c_str(), H5F_ACC_TRUNC, H5P_DEFAULT, H5P_DEFAULT);
-}
+Hid create_file(const std::string& path) { return H5Fcreate(path.c_str(), H5F_ACC_TRUNC, H5P_DEFAULT, H5P_DEFAULT); }
 
-Hid open_file(const std::string& path, unsigned flags)
-{
-    return H5Fopen(path.c_str(), flags, H5P_DEFAULT);
-}
+Hid open_file(const std::string& path, unsigned flags) { return H5Fopen(path.c_str(), flags, H5P_DEFAULT); }
 
 Hid create_group(hid_t parent, const std::string& name)
 {
     return H5Gcreate2(parent, name.c_str(), H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT);
 }
 
-Hid open_group(hid_t parent, const std::string& path)
-{
-    return H5Gopen2(parent, path.c_str(), H5P_DEFAULT);
-}
+Hid open_group(hid_t parent, const std::string& path) { return H5Gopen2(parent, path.c_str(), H5P_DEFAULT); }
 
 Hid text_type(std::size_t size, H5T_str_t padding)
 {
@@ -97,8 +88,8 @@ Hid space_of(const std::vector<hsize_t>& extents, const std::vector<hsize_t>& ma
 void put_dataset(hid_t parent, const std::string& name, hid_t file_type, const std::vector<hsize_t>& extents,
                  hid_t memory_type, const void* data, hid_t creation_list)
 {
-    const Hid set{H5Dcreate2(parent, name.c_str(), file_type, space_of(extents), H5P_DEFAULT, creation_list,
-                             H5P_DEFAULT)};
+    const Hid set{
+        H5Dcreate2(parent, name.c_str(), file_type, space_of(extents), H5P_DEFAULT, creation_list, H5P_DEFAULT)};
     if (data != nullptr) require(H5Dwrite(set, memory_type, H5S_ALL, H5S_ALL, H5P_DEFAULT, data), "write " + name);
 }
 
@@ -115,15 +106,9 @@ void set_int_attribute(hid_t parent, const std::string& name, std::int32_t value
     require(H5Awrite(attribute, H5T_NATIVE_INT32, &value), "write " + name);
 }
 
-bool has_link(hid_t parent, const std::string& name)
-{
-    return H5Lexists(parent, name.c_str(), H5P_DEFAULT) > 0;
-}
+bool has_link(hid_t parent, const std::string& name) { return H5Lexists(parent, name.c_str(), H5P_DEFAULT) > 0; }
 
-bool has_attribute(hid_t parent, const std::string& name)
-{
-    return H5Aexists(parent, name.c_str()) > 0;
-}
+bool has_attribute(hid_t parent, const std::string& name) { return H5Aexists(parent, name.c_str()) > 0; }
 
 std::vector<std::string> link_names(hid_t parent)
 {

@@ -44,8 +44,7 @@ Hid space_of(const std::vector<hsize_t>& extents, const std::vector<hsize_t>& ma
 
 /// A new dataset or attribute, written when `data` is given.
 void put_dataset(hid_t parent, const std::string& name, hid_t file_type, const std::vector<hsize_t>& extents,
-                 hid_t memory_type = H5I_INVALID_HID, const void* data = nullptr,
-                 hid_t creation_list = H5P_DEFAULT);
+                 hid_t memory_type = H5I_INVALID_HID, const void* data = nullptr, hid_t creation_list = H5P_DEFAULT);
 void put_attribute(hid_t parent, const std::string& name, hid_t file_type, const std::vector<hsize_t>& extents,
                    hid_t memory_type = H5I_INVALID_HID, const void* data = nullptr);
 /// Replaces the value of an existing scalar int32 attribute.

@@ -29,14 +29,19 @@ std::string type_text(hid_t type)
     const auto size = std::to_string(H5Tget_size(type));
     const auto order = [&] {
         switch (H5Tget_order(type)) {
-        case H5T_ORDER_LE: return " little";
-        case H5T_ORDER_BE: return " big";
-        default: return " order?";
+        case H5T_ORDER_LE:
+            return " little";
+        case H5T_ORDER_BE:
+            return " big";
+        default:
+            return " order?";
         }
     };
     switch (H5Tget_class(type)) {
-    case H5T_INTEGER: return (H5Tget_sign(type) == H5T_SGN_2 ? "integer " : "unsigned ") + size + order();
-    case H5T_FLOAT: return "float " + size + order();
+    case H5T_INTEGER:
+        return (H5Tget_sign(type) == H5T_SGN_2 ? "integer " : "unsigned ") + size + order();
+    case H5T_FLOAT:
+        return "float " + size + order();
     case H5T_STRING: {
         if (H5Tis_variable_str(type) > 0) return "text variable";
         const std::string padding = H5Tget_strpad(type) == H5T_STR_SPACEPAD  ? " space"
@@ -44,7 +49,8 @@ std::string type_text(hid_t type)
                                                                              : " nullterm";
         return "text " + size + padding + (H5Tget_cset(type) == H5T_CSET_ASCII ? "" : " utf8");
     }
-    default: return "class" + std::to_string(H5Tget_class(type)) + " " + size;
+    default:
+        return "class" + std::to_string(H5Tget_class(type)) + " " + size;
     }
 }
 
@@ -72,8 +78,12 @@ std::string filter_text(hid_t creation, unsigned index)
     const auto filter = H5Pget_filter2(creation, index, &flags, &count, values.data(), 0, nullptr, nullptr);
     std::string text;
     switch (filter) {
-    case H5Z_FILTER_DEFLATE: text = "deflate(" + std::to_string(values[0]) + ")"; break;
-    case H5Z_FILTER_SHUFFLE: text = "shuffle"; break;
+    case H5Z_FILTER_DEFLATE:
+        text = "deflate(" + std::to_string(values[0]) + ")";
+        break;
+    case H5Z_FILTER_SHUFFLE:
+        text = "shuffle";
+        break;
     case H5Z_FILTER_SCALEOFFSET: {
         const std::string kind = values[0] == H5Z_SO_INT            ? "integer "
                                  : values[0] == H5Z_SO_FLOAT_DSCALE ? "decimal "
@@ -81,7 +91,8 @@ std::string filter_text(hid_t creation, unsigned index)
         text = "scaleoffset(" + kind + std::to_string(values[1]) + ")";
         break;
     }
-    default: text = "filter" + std::to_string(filter);
+    default:
+        text = "filter" + std::to_string(filter);
     }
     // scale-offset and shuffle are always optional in HDF5, deflate is what the caller makes of it
     const bool optional = (flags & H5Z_FLAG_OPTIONAL) != 0;
@@ -114,15 +125,20 @@ std::string storage_text(hid_t dataset, std::size_t rank, H5T_class_t type_class
     const Hid creation{H5Dget_create_plist(dataset)};
     std::string text;
     switch (H5Pget_layout(creation)) {
-    case H5D_COMPACT: text = " compact"; break;
-    case H5D_CONTIGUOUS: text = " contiguous"; break;
+    case H5D_COMPACT:
+        text = " compact";
+        break;
+    case H5D_CONTIGUOUS:
+        text = " contiguous";
+        break;
     case H5D_CHUNKED: {
         std::vector<hsize_t> chunk(rank);
         H5Pget_chunk(creation, static_cast<int>(rank), chunk.data());
         text = " chunked " + list(chunk);
         break;
     }
-    default: text = " virtual";
+    default:
+        text = " virtual";
     }
     for (int i = 0; i < H5Pget_nfilters(creation); ++i) text += " " + filter_text(creation, static_cast<unsigned>(i));
     return text + fill_text(creation, type_class);
@@ -134,9 +150,12 @@ std::string dataset_text(hid_t dataset)
     const Hid space{H5Dget_space(dataset)};
     const auto shape = shape_of(space);
     auto text = type_text(type);
-    if (shape.kind == H5S_NULL) text += " null";
-    else if (shape.kind == H5S_SCALAR) text += " scalar";
-    else text += " " + list(shape.extents) + " max " + list(shape.maxima);
+    if (shape.kind == H5S_NULL)
+        text += " null";
+    else if (shape.kind == H5S_SCALAR)
+        text += " scalar";
+    else
+        text += " " + list(shape.extents) + " max " + list(shape.maxima);
     text += storage_text(dataset, shape.extents.size(), H5Tget_class(type));
     return H5Dget_storage_size(dataset) == 0 && shape.kind != H5S_NULL ? text + " nocontent" : text;
 }
@@ -157,9 +176,12 @@ std::string link_text(hid_t group, const std::string& name)
     if (info.type == H5L_TYPE_EXTERNAL) return "external link " + name;
     const Hid object{H5Oopen(group, name.c_str(), H5P_DEFAULT)};
     switch (H5Iget_type(object)) {
-    case H5I_GROUP: return "group " + name;
-    case H5I_DATASET: return "dataset " + name + " " + dataset_text(object);
-    default: return "named type " + name;
+    case H5I_GROUP:
+        return "group " + name;
+    case H5I_DATASET:
+        return "dataset " + name + " " + dataset_text(object);
+    default:
+        return "named type " + name;
     }
 }
 
@@ -190,9 +212,6 @@ std::string layout_of(const std::string& file, const std::string& group)
     return layout_of(open_group(opened, group));
 }
 
-std::string table(std::initializer_list<std::string> lines)
-{
-    return joined(lines);
-}
+std::string table(std::initializer_list<std::string> lines) { return joined(lines); }
 
 } // namespace kob_test

@@ -28,7 +28,7 @@ public:
         field_.fill(' ');
         text.copy(field_.data(), N);
     }
-    TextField(const char* text) : TextField{std::string_view{text}} {} // NOLINT
+    TextField(const char* text) : TextField{std::string_view{text}} {}        // NOLINT
     TextField(const std::string& text) : TextField{std::string_view{text}} {} // NOLINT
 
     char* data() { return field_.data(); }
@@ -48,10 +48,7 @@ using Text256 = TextField<256>;
 using Text8 = TextField<8>; ///< dates and times of the system block
 
 /// A field that no reader fills with by chance: "left untouched" is then a comparison with `untouched()`.
-inline Text256 untouched()
-{
-    return std::string(256, '#');
-}
+inline Text256 untouched() { return std::string(256, '#'); }
 
 /// An array of 256-character fields, end to end.
 class Texts256 {
