@@ -22,10 +22,7 @@ bool contains(const std::string& text, const std::string& part) { return text.fi
 /// What the program writes when its output is a terminal.
 std::string on_terminal(std::vector<std::string> arguments, const char* no_color)
 {
-    arguments.insert(arguments.begin(), KOB_PROGRAM);
-    std::vector<char*> argv;
-    for (std::string& argument : arguments) argv.push_back(argument.data());
-    argv.push_back(nullptr);
+    std::vector<char*> argv = program_words(arguments);
     int terminal = -1;
     const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
     if (child == 0) {

@@ -6,9 +6,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -47,16 +49,22 @@ inline std::string content_of(const std::string& path)
     return {std::istreambuf_iterator<char>{stream}, {}};
 }
 
+/// Puts the program's name before its arguments, in the form that exec takes.
+inline std::vector<char*> program_words(std::vector<std::string>& arguments)
+{
+    arguments.insert(arguments.begin(), KOB_PROGRAM);
+    std::vector<char*> argv(arguments.size() + 1, nullptr);
+    for (std::size_t i = 0; i < arguments.size(); ++i) argv[i] = arguments[i].data();
+    return argv;
+}
+
 /// Runs the program with its output and errors in files; `out_path` takes the output elsewhere.
 inline Outcome run_program(std::vector<std::string> arguments, const std::string& out_path = {})
 {
     const TempDir folder;
     const std::string out = out_path.empty() ? folder / "out" : out_path;
     const std::string err = folder / "err";
-    arguments.insert(arguments.begin(), KOB_PROGRAM);
-    std::vector<char*> argv;
-    for (std::string& argument : arguments) argv.push_back(argument.data());
-    argv.push_back(nullptr);
+    std::vector<char*> argv = program_words(arguments);
     const pid_t child = fork();
     if (child == 0) {
         constexpr int cannot_start = 127;
