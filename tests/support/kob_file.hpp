@@ -58,6 +58,17 @@ public:
         open(option);
     }
 
+    /// Opens the group at this path, relative to the result-set handle, creating what is missing of it.
+    std::int64_t new_group(std::string group_path) const
+    {
+        std::int32_t length = -1;
+        std::int32_t create = 0;
+        std::int64_t group = -1;
+        std::int32_t status = 77;
+        KOB_H5GOPEN(&handle_, group_path.data(), &length, &create, &group, &status);
+        EXPECT_GT(status, 0) << group_path << " was there or cannot be created";
+        return group;
+    }
     /// Opens the block at this path, relative to the result-set handle; the file's close takes it back.
     std::int64_t block(std::string block_path) const
     {
