@@ -57,7 +57,12 @@ std::int32_t KOB_H5Awrite(const char* name, const void* data, std::int32_t kob_t
             source = texts.data();
         }
     } else {
-        const Id space{rank > 0 ? H5Screate_simple(rank, dims, nullptr) : H5Screate(H5S_SCALAR), H5Sclose};
+        Id space;
+        if (rank <= 0) {
+            space = Id{H5Screate(H5S_SCALAR), H5Sclose};
+        } else if (rank <= H5S_MAX_RANK && is_addressable({dims, static_cast<std::size_t>(rank)}, kob_size)) {
+            space = Id{H5Screate_simple(rank, dims, nullptr), H5Sclose};
+        }
         if (!space) {
             return refuse(dataspace, printable(static_cast<std::uint64_t>(rank)));
         }

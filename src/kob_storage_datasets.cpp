@@ -212,6 +212,9 @@ private:
             return refuse(mode == access_mode::block ? block_outside : point_outside, outside);
         }
         if (before != shape.extents) {
+            if (!is_addressable(extents, H5Tget_size(stored_.type))) {
+                return refuse(extend);
+            }
             if (const herr_t result = H5Dset_extent(dataset_.get(), shape.extents.data()); result < 0) {
                 return refuse(extend, result);
             }
@@ -241,6 +244,9 @@ private:
             if (!selection.place({extents.data(), used}, maximum, outside)) {
                 return refuse(mode == access_mode::block ? block_outside : point_outside, outside);
             }
+        }
+        if (!is_addressable({extents.data(), used}, kob_size)) {
+            return refuse(create_dataspace);
         }
         const Id space{rank > 0 ? H5Screate_simple(rank, extents.data(), dims) : H5Screate(H5S_SCALAR), H5Sclose};
         if (!space) {

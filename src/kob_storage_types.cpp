@@ -128,6 +128,11 @@ hsize_t product(std::span<const hsize_t> extents) noexcept
     return result;
 }
 
+bool is_addressable(std::span<const hsize_t> extents, std::size_t size) noexcept
+{
+    return product(std::array{product(extents), static_cast<hsize_t>(size)}) <= INT64_MAX;
+}
+
 bool is_empty(const hsize_t* dims, std::int32_t rank) noexcept
 {
     return dims != nullptr && rank > 0 && std::find(dims, dims + rank, hsize_t{0}) != dims + rank;

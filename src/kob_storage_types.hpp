@@ -41,6 +41,9 @@ std::int32_t first_difference(const StoredShape& stored, const hsize_t* dims) no
 constexpr hsize_t no_count = std::numeric_limits<hsize_t>::max();
 hsize_t product(std::span<const hsize_t> extents) noexcept;
 
+/// Can so many elements of `size` bytes be addressed? HDF5 multiplies extents without a look at overflow.
+bool is_addressable(std::span<const hsize_t> extents, std::size_t size) noexcept;
+
 /// Is an extent zero, so that there is nothing to transfer?
 bool is_empty(const hsize_t* dims, std::int32_t rank) noexcept;
 
