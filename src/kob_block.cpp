@@ -7,6 +7,14 @@
 
 namespace kob {
 
+Shape Shape::of_rank(std::int32_t rank)
+{
+    Shape shape{};
+    shape.told_ = false;
+    shape.rank_ = rank;
+    return shape;
+}
+
 void Shape::append(Extent extent)
 {
     if (rank_ > H5S_MAX_RANK) {
@@ -19,6 +27,9 @@ void Shape::append(Extent extent)
 
 bool Shape::is_empty() const
 {
+    if (!told_) {
+        return false;
+    }
     for (std::int32_t i = 0; i < rank_; ++i) {
         if (dims_[static_cast<std::size_t>(i)] == 0) {
             return true;
@@ -78,6 +89,24 @@ std::int32_t sum32(const std::int32_t* entries, std::int32_t count)
     return static_cast<std::int32_t>(sum);
 }
 
+std::int32_t product32(std::int32_t a, std::int32_t b)
+{
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) * static_cast<std::uint32_t>(b));
+}
+
+namespace {
+
+/// What is to be transferred needs an address, and a part of it the selection.
+void require(const void* data, const Shape& shape, const Part& part)
+{
+    const bool lacks_selection = !part.is_whole() && (part.count == nullptr || part.start == nullptr);
+    if (!shape.is_empty() && (data == nullptr || lacks_selection)) {
+        throw NullArgument{};
+    }
+}
+
+} // namespace
+
 // ---- Writer
 
 void Writer::attribute(const char* name, const void* data, std::int32_t type, std::size_t size)
@@ -98,13 +127,11 @@ void Writer::dataset(const char* name, const void* data, std::int32_t type, std:
     if (status_ != 0) {
         return;
     }
-    const bool is_part = part.mode != access_mode::whole;
-    if (!shape.is_empty() && (data == nullptr || (is_part && (part.count == nullptr || part.start == nullptr)))) {
-        throw NullArgument{};
-    }
-    const Shape given = is_part ? shape.without_markers() : shape;
+    require(data, shape, part);
+    const Shape given = part.is_whole() ? shape : shape.without_markers();
     status_ = KOB_H5Dwrite(name, data, type, data_size, kob_size, given.dims(), given.rank(), part.count, part.start,
-                           part.mode, block_, flags, filters_.params.data(), place_);
+                           part.mode, block_, flags, filters_.params.data(),
+                           {.place = place_, .origin = part.origin, .leading_extent = &leading_extent_});
 }
 
 void Writer::frame(const BlockKind& kind, std::int32_t key)
@@ -220,10 +247,7 @@ void Reader::dataset(const char* name, void* data, std::int32_t type, std::size_
     if (status_ < 0) {
         return;
     }
-    const bool is_part = part.mode != access_mode::whole;
-    if (!shape.is_empty() && (data == nullptr || (is_part && (part.count == nullptr || part.start == nullptr)))) {
-        throw NullArgument{};
-    }
+    require(data, shape, part);
     constexpr std::int32_t untouched = -1;
     Found found{name, untouched, {}};
     status_ = KOB_H5Dread(name, data, type, size, shape.dims(), shape.rank(), part.count, part.start, part.mode, block_,

@@ -11,6 +11,7 @@
 #include "kob_kinds.hpp"
 #include "kob_module.hpp"
 #include "kob_placement.hpp"
+#include "kob_sections.hpp"
 #include "kob_storage.hpp"
 #include "kob_text.hpp"
 
@@ -76,17 +77,22 @@ public:
         }
     }
 
+    /// The shape of a dataset that is there: its extents are not told, a part of it is transferred.
+    static Shape of_rank(std::int32_t rank);
+
     /// Beyond one more than HDF5's largest rank further extents say nothing new.
     void append(Extent extent);
 
     [[nodiscard]] std::int32_t rank() const { return rank_; }
-    [[nodiscard]] const hsize_t* dims() const { return dims_.data(); }
+    /// Null when the extents are not told.
+    [[nodiscard]] const hsize_t* dims() const { return told_ ? dims_.data() : nullptr; }
     [[nodiscard]] bool is_empty() const;
 
     /// The extents for a partial access, where -1 is a count like any other and marks nothing.
     [[nodiscard]] Shape without_markers() const;
 
 private:
+    bool told_ = true;
     std::int32_t rank_ = 0;
     std::array<hsize_t, H5S_MAX_RANK + 1> dims_{};
     std::array<bool, H5S_MAX_RANK + 1> grows_{};
@@ -97,7 +103,9 @@ struct Part {
     std::int32_t mode = access_mode::whole;
     const std::int64_t* count = nullptr;
     const std::int64_t* start = nullptr;
+    Origin origin = Origin::end; ///< of positions in a growable dimension
 
+    [[nodiscard]] bool is_whole() const { return mode == access_mode::whole; }
     [[nodiscard]] bool is_known() const
     {
         return mode == access_mode::whole || mode == access_mode::block || mode == access_mode::points;
@@ -129,6 +137,9 @@ ValueSize value_size_of(std::int32_t argument);
 /// Sum of the first `count` entries, in 32 bits by contract: it wraps. 0 when count is not positive.
 std::int32_t sum32(const std::int32_t* entries, std::int32_t count);
 
+/// Product in 32 bits by contract: it wraps.
+std::int32_t product32(std::int32_t a, std::int32_t b);
+
 /// Writes the items of one block.
 class Writer {
 public:
@@ -157,6 +168,9 @@ public:
     void fail(std::int32_t status);
     [[nodiscard]] bool ok() const { return status_ == 0; }
     [[nodiscard]] std::int32_t status() const { return status_; }
+    /// Leading extent of the last dataset written, after the write; 0 when none was since `forget_extent`.
+    [[nodiscard]] std::int64_t leading_extent() const { return static_cast<std::int64_t>(leading_extent_); }
+    void forget_extent() { leading_extent_ = 0; }
 
 private:
     void attribute(const char* name, const void* data, std::int32_t type, std::size_t size);
@@ -168,6 +182,7 @@ private:
     std::size_t float_size_;
     Place place_;
     std::int32_t status_ = 0;
+    hsize_t leading_extent_ = 0;
 };
 
 /// Reads the items of one block. The status is the result of the last read; the first failure stays.
@@ -256,6 +271,7 @@ struct Placed {
     Id group;
     std::int32_t status = 0; ///< positive: the block is new; 0: it was there
 
+    [[nodiscard]] bool is_new() const { return status > 0; }
     [[nodiscard]] Place place() const { return status > 0 ? Place::fresh : Place::unknown; }
 };
 Placed place_block(hid_t parent, const BlockPath& path);
@@ -287,6 +303,28 @@ std::int32_t write_new_block(hid_t parent, const BlockKind& kind, const BlockPat
     return io.status();
 }
 
+/// Writes into a block that may exist already, and keeps its group open when that went well.
+/// `describe(Writer&, const Placed&)` lists all items, frame included.
+template <class Describe>
+std::int32_t write_open_block(hid_t parent, const BlockKind& kind, const BlockPath& path, const Filters& filters,
+                              std::size_t float_size, Describe&& describe)
+{
+    Placed placed = place_block(parent, path);
+    if (placed.status < 0) {
+        return placed.status;
+    }
+    if (!placed.group) {
+        report_error(message::writing_name, kind.name);
+        return static_cast<std::int32_t>(placed.group.get());
+    }
+    Writer io{placed.group.get(), filters, float_size, placed.place()};
+    describe(io, placed);
+    if (io.ok()) {
+        placed.group.release();
+    }
+    return io.status();
+}
+
 /// What identifies the state that a block belongs to.
 template <class Io> struct StateIndex {
     Arg<Io, std::int32_t> nindex;     ///< number of index values, 0 for constant data
@@ -307,6 +345,79 @@ template <class Io> void values(Io& io, const StateIndex<Io>& index)
         io.integers("indexident", index.indexident, {*index.nindex});
         io.exact_reals("indexval", index.indexval.get(), {*index.nindex});
     }
+}
+
+/// Reads the sections of a model block that may belong to a state. The key stays the status until something is read.
+/// The filters are those of the dataset `reported`, else of the last one that was read.
+template <class Block>
+std::int32_t read_sections(hid_t block, const BlockKind& kind, const Block& b, std::int32_t sections,
+                           std::int32_t* filter_flags, std::int32_t* filter_params, const char* reported = nullptr)
+{
+    Reader io{block, kind};
+    io.key_as_status();
+    if (section::has(sections, section::attributes)) {
+        attributes(io, b);
+    }
+    if (io.ok() && section::has(sections, section::state_index)) {
+        values(io, b.index);
+    }
+    if (io.ok() && section::has(sections, section::values)) {
+        values(io, b);
+        if (reported != nullptr) {
+            io.report_filters_of(reported, filter_flags, filter_params);
+        } else {
+            io.report_filters(filter_flags, filter_params);
+        }
+    }
+    return io.status();
+}
+
+/// Goes on after the attributes by pass: 0 reads the state index too, 1 nothing more, 2 everything.
+template <class Index, class Values, class ReportFilters>
+std::int32_t read_pass(Reader& io, std::int32_t pass, const Index& index, Values&& read_values,
+                       ReportFilters&& report_filters)
+{
+    if (!io.ok() || pass == 1) {
+        return io.status();
+    }
+    if (pass != 0 && pass != 2) {
+        io.unknown_pass();
+        return io.status();
+    }
+    if (pass == 2) {
+        read_values();
+    }
+    values(io, index);
+    if (pass == 2) {
+        report_filters();
+    }
+    return io.status();
+}
+
+/// Reads a block of real or complex values by pass: 0 attributes and state index, 1 attributes, 2 everything. The key
+/// found is the status. `read_values(Reader&)` reads all but the state index; "res" tells the filters.
+template <class Block, class Index, class Values>
+std::int32_t read_passes_of_two_keys(hid_t block, const BlockKind& kind, std::int32_t pass, const Block& b,
+                                     const Index& index, Values&& read_values, std::int32_t* filter_flags,
+                                     std::int32_t* filter_params)
+{
+    if (pass < 0 || pass > 2) {
+        report_error(message::reading_pass_of_two, kind.key, kind.complex_key);
+        return -3;
+    }
+    Reader io{block, kind};
+    attributes(io, b);
+    if (io.ok() && pass == 2) {
+        read_values(io);
+    }
+    if (io.ok() && pass != 1) {
+        values(io, index);
+    }
+    if (pass == 2) {
+        io.report_filters_of("res", filter_flags, filter_params);
+    }
+    io.key_as_status();
+    return io.status();
 }
 
 /// Where a state-capable block goes: its index identifiers name the state groups unless a state number is given.

@@ -23,6 +23,8 @@ constexpr char writing_name[] = "KOB ERROR writing block %s\n";
 constexpr char writing_invalid_mode[] = "KOB ERROR writing block key %d - invalid mode\n";
 constexpr char reading_invalid_mode[] = "KOB ERROR reading block key %d - invalid mode\n";
 constexpr char reading_pass[] = "KOB INTERNAL ERROR reading block with key %d \n";
+constexpr char reading_pass_of_two[] = "KOB INTERNAL ERROR reading block with key %d or %d\n";
+constexpr char writing_named_invalid_mode[] = "KOB ERROR writing block %s - invalid mode %d\n";
 constexpr char reading_named_pass[] = "KOB INTERNAL ERROR reading \"%s\" block - ipass = %d\n";
 constexpr char header_not_found[] = "KOB ERROR - header not found\n";
 constexpr char wrong_key[] = "KOB ERROR - wrong block key %d, %d expected\n";

@@ -1,102 +1,30 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Result blocks of one state.
-#include "kob_block.hpp"
+#include "kob_results.hpp"
+
 #include "kob_dp.h"
 
 namespace kob {
 namespace {
 
-/// Section bits of result blocks.
-namespace section {
-constexpr std::int32_t attributes = 1;
-constexpr std::int32_t state_index = 2;
-constexpr std::int32_t identifiers = 4;
-constexpr std::int32_t values = 8;
-constexpr std::int32_t shared_identifiers = 16; // with `identifiers`: one copy in a shared group, linked by each block
-constexpr std::int32_t all = attributes | state_index | identifiers | values;
-} // namespace section
-
-constexpr std::int32_t wrong_frame_switch = -123;
-constexpr std::int32_t invalid_mode = -999;
-
-constexpr std::int32_t unknown_pass = -3;
-
-/// The sections that a pass of the readers stands for; 0 for a pass that there is not.
-std::int32_t sections_of_pass(std::int32_t pass)
-{
-    switch (pass) {
-    case 0:
-        return section::attributes | section::state_index;
-    case 1:
-        return section::attributes;
-    case 2:
-        return section::all;
-    default:
-        return 0;
-    }
-}
-
-bool has(std::int32_t sections, std::int32_t bit) { return (sections & bit) != 0; }
-
 // ---- entity results
 
 /// A table of one variable: a row for each entity, a column for each component.
 template <class Io> struct EntityResults {
-    Arg<Io, char> etyp;
-    Arg<Io, std::int32_t> nent;
-    Arg<Io, char> etypvar;
-    Arg<Io, std::int32_t> ncoo;
-    Arg<Io, char> etypzone;
-    Arg<Io, std::int32_t> zoneid;
-    Arg<Io, char> etypframe;
-    Arg<Io, std::int32_t> fswitch;
-    Arg<Io, std::int32_t> dmpswitch;
+    EntityTable<Io> table;
     StateIndex<Io> index;
-    Arg<Io, std::int32_t> entid;   ///< [nent]
-    Arg<Io, std::int32_t> fidglob; ///< the frame of all entities, with fswitch 0
-    Arg<Io, std::int32_t> fid;     ///< [nent] frame of each entity, with fswitch 1
-    Arg<Io, char> operators;       ///< [ncoo] texts, with dmpswitch 1
-    Arg<Io, double> weight;        ///< [nent], with dmpswitch 1
-    Reals<Io> res;                 ///< [nent, ncoo(, 2)]
+    Reals<Io> res; ///< [nent, ncoo(, 2)]
 };
 
 template <class Io> void attributes(Io& io, const EntityResults<Io>& b)
 {
-    io.text("etyp", b.etyp);
-    io.integer("nent", b.nent);
-    io.text("etypvar", b.etypvar);
-    io.integer("ncoo", b.ncoo);
-    io.text("etypzone", b.etypzone);
-    io.integer("zoneid", b.zoneid);
-    io.text("etypframe", b.etypframe);
-    io.integer("fswitch", b.fswitch);
-    io.integer("dmpswitch", b.dmpswitch);
+    attributes(io, b.table);
     attributes(io, b.index);
 }
 
-template <class Io, class Block> void identifiers(Io& io, const Block& b)
+template <class Io> void values(Io& io, const EntityResults<Io>& b, bool complex, const Part& part)
 {
-    io.integers("entid", b.entid, {*b.nent});
-    switch (*b.fswitch) {
-    case 0:
-        io.single("fidglob", b.fidglob);
-        break;
-    case 1:
-        io.integers("fid", b.fid, {*b.nent});
-        break;
-    default:
-        io.fail(wrong_frame_switch);
-        break;
-    }
-    if (*b.dmpswitch == 1) {
-        io.texts("operator", b.operators, {*b.ncoo});
-        io.exact_reals("weight", b.weight.get(), {*b.nent});
-    }
-}
-
-template <class Io> void values(Io& io, const EntityResults<Io>& b, bool complex, Part part)
-{
-    Shape shape{*b.nent, *b.ncoo};
+    Shape shape{*b.table.nent, *b.table.ncoo};
     if (complex) {
         shape.append(2); // real part, imaginary part
     }
@@ -109,7 +37,7 @@ std::int32_t write_shared_identifiers(hid_t shared, hid_t block, const EntityRes
 {
     if (!has_link(shared, "entid")) {
         Writer io{shared, filters, stored_size};
-        identifiers(io, b);
+        identifiers(io, b.table);
         if (!io.ok()) {
             return io.status();
         }
@@ -118,7 +46,7 @@ std::int32_t write_shared_identifiers(hid_t shared, hid_t block, const EntityRes
         return 0;
     }
     Linker links{shared, block};
-    identifiers(links, b);
+    identifiers(links, b.table);
     return links.status();
 }
 
@@ -133,21 +61,21 @@ std::int32_t write_sections(hid_t block, const std::int64_t* groups, std::int32_
     const ValueSize size = value_size_of(value_size);
     const std::int32_t key = kind::entity_results.key_of(size.complex);
     Writer io{block, filters, size.stored, place};
-    if (has(sections, section::attributes)) {
+    if (section::has(sections, section::attributes)) {
         io.frame(kind::entity_results, key);
         attributes(io, b);
     }
-    if (has(sections, section::state_index)) {
+    if (section::has(sections, section::state_index)) {
         values(io, b.index);
     }
-    if (io.ok() && has(sections, section::identifiers)) {
-        if (has(sections, section::shared_identifiers)) {
+    if (io.ok() && section::has(sections, section::identifiers)) {
+        if (section::has(sections, section::shared_identifiers)) {
             io.fail(write_shared_identifiers(value(groups + 1), block, b, filters, size.stored));
         } else {
-            identifiers(io, b);
+            identifiers(io, b.table);
         }
     }
-    if (io.ok() && has(sections, section::values)) {
+    if (io.ok() && section::has(sections, section::values)) {
         if (part.is_known()) {
             values(io, b, size.complex, part);
         } else {
@@ -162,16 +90,16 @@ std::int32_t read_sections(hid_t block, std::int32_t sections, const EntityResul
                            std::int32_t* filter_flags, std::int32_t* filter_params, Part part)
 {
     Reader io{block, kind::entity_results};
-    if (has(sections, section::attributes)) {
+    if (section::has(sections, section::attributes)) {
         attributes(io, b);
     }
-    if (io.ok() && has(sections, section::state_index)) {
+    if (io.ok() && section::has(sections, section::state_index)) {
         values(io, b.index);
     }
-    if (io.ok() && has(sections, section::identifiers)) {
-        identifiers(io, b);
+    if (io.ok() && section::has(sections, section::identifiers)) {
+        identifiers(io, b.table);
     }
-    if (io.ok() && has(sections, section::values)) {
+    if (io.ok() && section::has(sections, section::values)) {
         if (part.is_known()) {
             values(io, b, io.is_complex(), part);
             io.report_filters_of("res", filter_flags, filter_params);
@@ -182,6 +110,60 @@ std::int32_t read_sections(hid_t block, std::int32_t sections, const EntityResul
     }
     io.key_as_status();
     return io.status();
+}
+
+// ---- element results
+
+/// A table of one variable with several locations in each element.
+template <class Io> struct ElementResults {
+    ElementTable<Io> table;
+    StateIndex<Io> index;
+    Arg<Io, double> res; ///< [nele, numl, ncoo(, 2)]
+};
+
+template <class Io> void attributes(Io& io, const ElementResults<Io>& b)
+{
+    attributes(io, b.table);
+    attributes(io, b.index);
+}
+
+template <class Io> void values(Io& io, const ElementResults<Io>& b, bool complex)
+{
+    if (!io.ok()) {
+        return;
+    }
+    Shape shape{*b.table.nele, *b.table.numl, *b.table.ncoo};
+    if (complex) {
+        shape.append(2); // real part, imaginary part
+    }
+    io.reals("res", b.res.get(), shape);
+}
+
+// ---- activation flags
+
+/// Which entities of one type are active.
+template <class Io> struct ActivationFlags {
+    Arg<Io, char> etyp;
+    Arg<Io, std::int32_t> nent;
+    StateIndex<Io> index;
+    Arg<Io, std::int32_t> entid; ///< [nent]
+    Arg<Io, std::int32_t> flags; ///< [nent], stored as "status"
+};
+
+template <class Io> void attributes(Io& io, const ActivationFlags<Io>& b)
+{
+    io.text("etyp", b.etyp);
+    io.integer("nent", b.nent);
+    attributes(io, b.index);
+}
+
+template <class Io> void values(Io& io, const ActivationFlags<Io>& b)
+{
+    if (!io.ok()) {
+        return;
+    }
+    io.integers("entid", b.entid, {*b.nent});
+    io.integers("status", b.flags, {*b.nent});
 }
 
 } // namespace
@@ -200,10 +182,10 @@ void KOB_WRITE_ENTITYRESULTS(const int64_t* group, const char* etyp, const int32
 {
     using namespace kob;
     entry(status, [&] {
-        const EntityResults<Writer> b{etyp,   nent,      etypvar, ncoo,      etypzone,
-                                      zoneid, etypframe, fswitch, dmpswitch, {nindex, indexic, indexident, indexval},
-                                      entid,  fidglob,   fid,     operator_, weight,
-                                      res};
+        const EntityResults<Writer> b{{etyp, nent, etypvar, ncoo, etypzone, zoneid, etypframe, fswitch, dmpswitch, entid,
+                                         fidglob, fid, operator_, weight},
+                                        {nindex, indexic, indexident, indexval},
+                                        res};
         Placed placed = place_block(value(group), {validity_of(b.index, state),
                                                    {kind::entity_results.name, etyp, etypvar, etypzone},
                                                    value(zoneid),
@@ -230,14 +212,10 @@ void KOB_WRITE_ENTITYRESULTS2(const int64_t* groups, const int32_t* sections, co
 {
     using namespace kob;
     entry(status, [&] {
-        const EntityResults<Writer> b{etyp,      nent,
-                                      etypvar,   ncoo,
-                                      etypzone,  zoneid,
-                                      etypframe, fswitch,
-                                      dmpswitch, {nindex, indexic, indexident, indexval},
-                                      entid,     fidglob,
-                                      fid,       operator_,
-                                      weight,    {res, static_cast<std::size_t>(value(memory_size))}};
+        const EntityResults<Writer> b{{etyp, nent, etypvar, ncoo, etypzone, zoneid, etypframe, fswitch, dmpswitch, entid,
+                                         fidglob, fid, operator_, weight},
+                                        {nindex, indexic, indexident, indexval},
+                                        {res, static_cast<std::size_t>(value(memory_size))}};
         return write_sections(value(groups), groups, value(sections), b, {filter_flags, filter_params},
                               value(value_size), {value(mode), count, start}, Place::unknown);
     });
@@ -254,12 +232,12 @@ void KOB_READ_ENTITYRESULTS(const int64_t* block, const int32_t* pass, char* ety
         const std::int32_t sections = sections_of_pass(value(pass));
         if (sections == 0) {
             report_error(message::reading_named_pass, kind::entity_results.name, value(pass));
-            return unknown_pass;
+            return wrong_pass;
         }
-        const EntityResults<Reader> b{etyp,   nent,      etypvar, ncoo,      etypzone,
-                                      zoneid, etypframe, fswitch, dmpswitch, {nindex, indexic, indexident, indexval},
-                                      entid,  fidglob,   fid,     operator_, weight,
-                                      res};
+        const EntityResults<Reader> b{{etyp, nent, etypvar, ncoo, etypzone, zoneid, etypframe, fswitch, dmpswitch, entid,
+                                         fidglob, fid, operator_, weight},
+                                        {nindex, indexic, indexident, indexval},
+                                        res};
         return read_sections(value(block), sections, b, filter_flags, filter_params, {});
     });
 }
@@ -274,16 +252,101 @@ void KOB_READ_ENTITYRESULTS2(const int64_t* block, const int32_t* sections, cons
 {
     using namespace kob;
     entry(status, [&] {
-        const EntityResults<Reader> b{etyp,      nent,
-                                      etypvar,   ncoo,
-                                      etypzone,  zoneid,
-                                      etypframe, fswitch,
-                                      dmpswitch, {nindex, indexic, indexident, indexval},
-                                      entid,     fidglob,
-                                      fid,       operator_,
-                                      weight,    {res, static_cast<std::size_t>(value(memory_size))}};
+        const EntityResults<Reader> b{{etyp, nent, etypvar, ncoo, etypzone, zoneid, etypframe, fswitch, dmpswitch, entid,
+                                         fidglob, fid, operator_, weight},
+                                        {nindex, indexic, indexident, indexval},
+                                        {res, static_cast<std::size_t>(value(memory_size))}};
         return read_sections(value(block), value(sections), b, filter_flags, filter_params,
                              {value(mode), count, start});
+    });
+}
+
+void KOB_WRITE_ELEMENTRESULTS(const int64_t* group, const char* etypelem, const int32_t* nele, const char* etypvar,
+                              const int32_t* ncoo, const int32_t* numl, const int32_t* ndim, const char* etypzone,
+                              const int32_t* zoneid, const char* etypframe, const int32_t* fswitch,
+                              const int32_t* dmpswitch, const int32_t* nindex, const int32_t* indexic,
+                              const int32_t* indexident, const double* indexval, const int32_t* idele,
+                              const int32_t* fidglob, const int32_t* fid, const double* eloc, const char* operator_,
+                              const double* weight, const double* res, const int32_t* set,
+                              const int32_t* state, const int32_t* filter_flags, const int32_t* filter_params,
+                              const int32_t* value_size, int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const ElementResults<Writer> b{{etypelem, nele, etypvar, ncoo, numl, ndim, etypzone, zoneid, etypframe,
+                                          fswitch, dmpswitch, idele, fidglob, fid, eloc, operator_, weight},
+                                         {nindex, indexic, indexident, indexval},
+                                         res};
+        const BlockPath path{validity_of(b.index, state),
+                             {kind::element_results.name, etypelem, etypvar, etypzone},
+                             value(zoneid),
+                             value(set)};
+        const ValueSize size = value_size_of(value(value_size));
+        return write_open_block(value(group), kind::element_results, path, {filter_flags, filter_params}, size.stored,
+                                [&](Writer& io, const Placed&) {
+                                    io.frame(kind::element_results, kind::element_results.key_of(size.complex));
+                                    attributes(io, b);
+                                    values(io, b.index);
+                                    identifiers(io, b.table);
+                                    values(io, b, size.complex);
+                                });
+    });
+}
+
+void KOB_READ_ELEMENTRESULTS(const int64_t* block, const int32_t* pass, char* etypelem, int32_t* nele, char* etypvar,
+                              int32_t* ncoo, int32_t* numl, int32_t* ndim, char* etypzone,
+                              int32_t* zoneid, char* etypframe, int32_t* fswitch,
+                              int32_t* dmpswitch, int32_t* nindex, int32_t* indexic,
+                              int32_t* indexident, double* indexval, int32_t* idele,
+                              int32_t* fidglob, int32_t* fid, double* eloc, char* operator_,
+                              double* weight, double* res, int32_t* filter_flags,
+                             int32_t* filter_params, int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const ElementResults<Reader> b{{etypelem, nele, etypvar, ncoo, numl, ndim, etypzone, zoneid, etypframe,
+                                          fswitch, dmpswitch, idele, fidglob, fid, eloc, operator_, weight},
+                                         {nindex, indexic, indexident, indexval},
+                                         res};
+        return read_passes_of_two_keys(
+            value(block), kind::element_results, value(pass), b, b.index,
+            [&](Reader& io) {
+                identifiers(io, b.table);
+                values(io, b, io.is_complex());
+            },
+            filter_flags, filter_params);
+    });
+}
+
+void KOB_WRITE_ACTIVFLAGS(const int64_t* group, const char* etyp, const int32_t* nent, const int32_t* nindex,
+                          const int32_t* indexic, const int32_t* indexident, const double* indexval,
+                          const int32_t* entid, const int32_t* flags, const int32_t* state, const int32_t* filter_flags,
+                          const int32_t* filter_params, const int32_t* float_size, int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const ActivationFlags<Writer> b{etyp, nent, {nindex, indexic, indexident, indexval}, entid, flags};
+        return write_new_block(value(group), kind::activation_flags,
+                               {validity_of(b.index, state), {kind::activation_flags.name, etyp}},
+                               {filter_flags, filter_params}, stored_float(float_size), [&](Writer& io) {
+                                   attributes(io, b);
+                                   values(io, b.index);
+                                   values(io, b);
+                               });
+    });
+}
+
+void KOB_READ_ACTIVFLAGS(const int64_t* block, const int32_t* pass, char* etyp, int32_t* nent, int32_t* nindex,
+                         int32_t* indexic, int32_t* indexident, double* indexval, int32_t* entid, int32_t* flags,
+                         int32_t* filter_flags, int32_t* filter_params, int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const ActivationFlags<Reader> b{etyp, nent, {nindex, indexic, indexident, indexval}, entid, flags};
+        Reader io{value(block), kind::activation_flags};
+        attributes(io, b);
+        return read_pass(io, value(pass), b.index, [&] { values(io, b); },
+                         [&] { io.report_filters_of("status", filter_flags, filter_params); });
     });
 }
 

@@ -46,6 +46,19 @@ enum class Place {
     fresh,   ///< the group was created by this call: nothing can be there
 };
 
+/// What positions in a growable dimension count from.
+enum class Origin {
+    end,   ///< the current end: start 0 appends
+    first, ///< the first row: positions are absolute
+};
+
+/// What a dataset write may be told, and may tell, beyond its arguments.
+struct WriteOptions {
+    Place place = Place::unknown;
+    Origin origin = Origin::end;
+    hsize_t* leading_extent = nullptr; ///< receives the leading extent after the write
+};
+
 /// Does a failed read print its line?
 enum class Report { loud, silent };
 
@@ -61,11 +74,12 @@ std::int32_t KOB_H5Awrite(const char* name, const void* data, std::int32_t kob_t
                           Place place = Place::unknown);
 
 /// Writes a dataset, or a block or points of it; an existing one is reused, a growable one is extended.
-/// In a growable dimension start and coordinates count from the current end and may be negative.
+/// In a growable dimension start and coordinates count from the current end and may be negative, unless the options
+/// say otherwise.
 std::int32_t KOB_H5Dwrite(const char* name, const void* data, std::int32_t kob_type, std::size_t data_size,
                           std::size_t kob_size, const hsize_t* dims, std::int32_t rank, const std::int64_t* count,
                           const std::int64_t* start, std::int32_t mode, hid_t location, std::int32_t filter_flags,
-                          const std::int32_t* filter_params, Place place = Place::unknown);
+                          const std::int32_t* filter_params, WriteOptions options = {});
 
 /// Reads an attribute of the expected shape; rank 0 expects one element. `stored_size` may be null.
 std::int32_t KOB_H5Aread(const char* name, void* data, std::int32_t kob_type, std::size_t data_size,

@@ -14,8 +14,9 @@ namespace {
 /// Which elements of a dataset a call transfers, in absolute positions, and how they lie in memory.
 class Selection {
 public:
-    Selection(std::int32_t mode, std::int32_t rank, const std::int64_t* count, const std::int64_t* start)
-        : mode_{mode}, rank_{rank < 0 ? 0U : std::min<std::size_t>(static_cast<std::size_t>(rank), H5S_MAX_RANK)}
+    Selection(std::int32_t mode, std::int32_t rank, const std::int64_t* count, const std::int64_t* start,
+              Origin origin = Origin::end)
+        : mode_{mode}, origin_{origin}, rank_{rank < 0 ? 0U : std::min<std::size_t>(static_cast<std::size_t>(rank), H5S_MAX_RANK)}
     {
         if (mode_ == access_mode::block) {
             for (std::size_t i = 0; i < rank_; ++i) {
@@ -83,16 +84,17 @@ public:
     }
 
 private:
-    static bool place_one(std::int64_t start, hsize_t count, hsize_t end, hsize_t& extent, bool grows, hsize_t& first)
+    bool place_one(std::int64_t start, hsize_t count, hsize_t end, hsize_t& extent, bool grows, hsize_t& first) const
     {
         if (!grows) {
             first = static_cast<hsize_t>(start); // a negative start counts as very large
             return first < end && count <= end - first;
         }
         // The end of a stored dimension fits into 63 bits: HDF5's own limit on extents in use.
+        const std::int64_t origin = origin_ == Origin::end ? static_cast<std::int64_t>(end) : 0;
         std::int64_t from = 0;
         hsize_t reach = 0;
-        if (__builtin_add_overflow(start, static_cast<std::int64_t>(end), &from) || from < 0 ||
+        if (__builtin_add_overflow(start, origin, &from) || from < 0 ||
             __builtin_add_overflow(static_cast<hsize_t>(from), count, &reach) || reach > INT64_MAX) {
             return false;
         }
@@ -122,6 +124,7 @@ private:
     }
 
     std::int32_t mode_;
+    Origin origin_;
     std::size_t rank_;
     std::array<hsize_t, H5S_MAX_RANK> count_{};
     std::array<std::int64_t, H5S_MAX_RANK> start_{};
@@ -152,7 +155,7 @@ class DatasetWrite : private DatasetCall {
 public:
     explicit DatasetWrite(DatasetCall call) : DatasetCall{std::move(call)} {}
 
-    std::int32_t run(Place place)
+    std::int32_t run(const WriteOptions& options)
     {
         using namespace dataset_write;
         if (kob::is_empty(dims, rank) || selection.is_empty()) {
@@ -171,12 +174,13 @@ public:
         if (kob_type != type_code::real && data_size > kob_size) {
             return refuse(narrower_file, printable(data_size));
         }
-        const bool exists = place == Place::unknown && has_link(location, name);
+        const bool exists = options.place == Place::unknown && has_link(location, name);
         if (!exists && dims == nullptr) {
             return refuse(no_dims);
         }
-        const std::int32_t result = exists ? open() : create();
-        return result != 0 ? result : transfer();
+        if (const std::int32_t result = exists ? open() : create(); result != 0) { return result; }
+        if (options.leading_extent != nullptr) { *options.leading_extent = leading_extent_; }
+        return transfer();
     }
 
 private:
@@ -220,6 +224,7 @@ private:
             }
         }
         elements_ = product(extents);
+        leading_extent_ = shape.extents[0];
         return 0;
     }
 
@@ -257,6 +262,7 @@ private:
             return refuse(type_order);
         }
         elements_ = product({extents.data(), used});
+        leading_extent_ = extents[0];
         Id properties;
         const LayoutRequest request{kob_type,     kob_size,  {extents.data(), used},
                                     maximum,      elements_, filter_request(kob_type, filter_flags, elements_),
@@ -316,6 +322,7 @@ private:
     Id dataset_;
     FileType stored_;
     hsize_t elements_ = 0;
+    hsize_t leading_extent_ = 0;
 };
 
 } // namespace
@@ -323,11 +330,10 @@ private:
 std::int32_t KOB_H5Dwrite(const char* name, const void* data, std::int32_t kob_type, std::size_t data_size,
                           std::size_t kob_size, const hsize_t* dims, std::int32_t rank, const std::int64_t* count,
                           const std::int64_t* start, std::int32_t mode, hid_t location, std::int32_t filter_flags,
-                          const std::int32_t* filter_params, Place place)
+                          const std::int32_t* filter_params, WriteOptions options)
 {
     return DatasetWrite{{name, data, kob_type, data_size, kob_size, dims, rank, mode, location, filter_flags,
-                         filter_params, Selection{mode, rank, count, start}}}
-        .run(place);
+                         filter_params, Selection{mode, rank, count, start, options.origin}}}.run(options);
 }
 
 std::int32_t KOB_H5Dread(const char* name, void* data, std::int32_t kob_type, std::size_t data_size,
