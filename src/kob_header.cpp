@@ -36,8 +36,9 @@ std::int32_t write_header(Generation generation, hid_t parent)
     std::array<char, header_length> text{};
     fill_field(text.data(), text.size(), std::string{signature.data(), signature.size()} + triple);
     const hsize_t one = 1;
-    std::int32_t status = KOB_H5Dwrite(header_name, text.data(), type_code::text, header_length, header_length, &one, 0,
-                                       nullptr, nullptr, access_mode::whole, group.get(), 0, nullptr, {.place = Place::fresh});
+    std::int32_t status =
+        KOB_H5Dwrite(header_name, text.data(), type_code::text, header_length, header_length, &one, 0, nullptr, nullptr,
+                     access_mode::whole, group.get(), 0, nullptr, {.place = Place::fresh});
     if (group.close() < 0 && status == 0) {
         status = -1;
     }

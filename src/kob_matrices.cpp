@@ -186,82 +186,92 @@ extern "C" {
 
 void KOB_WRITE_DENSEMATRIX(const int64_t* group, const char* etyp, const int32_t* entid, const char* etypvar,
                            const int32_t* nrow, const int32_t* ncolumn, const int32_t* nindex, const int32_t* indexic,
-                           const int32_t* indexident, const double* indexval, const double* val,
-                           const int32_t* state, const int32_t* filter_flags, const int32_t* filter_params,
-                           const int32_t* value_size, const int32_t* mode, const int64_t* count, const int64_t* start,
-                           int32_t* status, int32_t, int32_t)
+                           const int32_t* indexident, const double* indexval, const double* val, const int32_t* state,
+                           const int32_t* filter_flags, const int32_t* filter_params, const int32_t* value_size,
+                           const int32_t* mode, const int64_t* count, const int64_t* start, int32_t* status, int32_t,
+                           int32_t)
 {
     using namespace kob;
     entry(status, [&] {
-        const DenseMatrix<Writer> b{{etyp, entid, etypvar}, nrow, ncolumn, {nindex, indexic, indexident, indexval}, val};
-        return write_matrix(value(group), kind::dense_matrix, b, {etyp, value(entid), etypvar}, state, {filter_flags, filter_params},
-                            value(value_size), {value(mode), count, start});
+        const DenseMatrix<Writer> b{
+            {etyp, entid, etypvar}, nrow, ncolumn, {nindex, indexic, indexident, indexval}, val};
+        return write_matrix(value(group), kind::dense_matrix, b, {etyp, value(entid), etypvar}, state,
+                            {filter_flags, filter_params}, value(value_size), {value(mode), count, start});
     });
 }
 
 void KOB_READ_DENSEMATRIX(const int64_t* block, const int32_t* pass, char* etyp, int32_t* entid, char* etypvar,
-                          int32_t* nrow, int32_t* ncolumn, int32_t* nindex, int32_t* indexic, int32_t* indexident, double* indexval,
-                          double* val, int32_t* filter_flags, int32_t* filter_params, const int64_t* count,
-                          const int64_t* start, int32_t* status, int32_t, int32_t)
+                          int32_t* nrow, int32_t* ncolumn, int32_t* nindex, int32_t* indexic, int32_t* indexident,
+                          double* indexval, double* val, int32_t* filter_flags, int32_t* filter_params,
+                          const int64_t* count, const int64_t* start, int32_t* status, int32_t, int32_t)
 {
     using namespace kob;
     entry(status, [&] {
-        const DenseMatrix<Reader> b{{etyp, entid, etypvar}, nrow, ncolumn, {nindex, indexic, indexident, indexval}, val};
+        const DenseMatrix<Reader> b{
+            {etyp, entid, etypvar}, nrow, ncolumn, {nindex, indexic, indexident, indexval}, val};
         return read_matrix(value(block), kind::dense_matrix, b, value(pass), filter_flags, filter_params, count, start);
     });
 }
 
 void KOB_WRITE_TRIANGULARMATRIX(const int64_t* group, const char* etyp, const int32_t* entid, const char* etypvar,
-                           const int32_t* nsize, const int32_t* matrixtype, const int32_t* nindex, const int32_t* indexic,
-                           const int32_t* indexident, const double* indexval, const double* val,
-                           const int32_t* state, const int32_t* filter_flags, const int32_t* filter_params,
-                           const int32_t* value_size, const int32_t* mode, const int64_t* count, const int64_t* start,
-                           int32_t* status, int32_t, int32_t)
+                                const int32_t* nsize, const int32_t* matrixtype, const int32_t* nindex,
+                                const int32_t* indexic, const int32_t* indexident, const double* indexval,
+                                const double* val, const int32_t* state, const int32_t* filter_flags,
+                                const int32_t* filter_params, const int32_t* value_size, const int32_t* mode,
+                                const int64_t* count, const int64_t* start, int32_t* status, int32_t, int32_t)
 {
     using namespace kob;
     entry(status, [&] {
-        const TriangularMatrix<Writer> b{{etyp, entid, etypvar}, nsize, matrixtype, {nindex, indexic, indexident, indexval}, val};
-        return write_matrix(value(group), kind::triangular_matrix, b, {etyp, value(entid), etypvar}, state, {filter_flags, filter_params},
-                            value(value_size), {value(mode), count, start});
+        const TriangularMatrix<Writer> b{
+            {etyp, entid, etypvar}, nsize, matrixtype, {nindex, indexic, indexident, indexval}, val};
+        return write_matrix(value(group), kind::triangular_matrix, b, {etyp, value(entid), etypvar}, state,
+                            {filter_flags, filter_params}, value(value_size), {value(mode), count, start});
     });
 }
 
 void KOB_READ_TRIANGULARMATRIX(const int64_t* block, const int32_t* pass, char* etyp, int32_t* entid, char* etypvar,
-                          int32_t* nsize, int32_t* matrixtype, int32_t* nindex, int32_t* indexic, int32_t* indexident, double* indexval,
-                          double* val, int32_t* filter_flags, int32_t* filter_params, const int64_t* count,
-                          const int64_t* start, int32_t* status, int32_t, int32_t)
+                               int32_t* nsize, int32_t* matrixtype, int32_t* nindex, int32_t* indexic,
+                               int32_t* indexident, double* indexval, double* val, int32_t* filter_flags,
+                               int32_t* filter_params, const int64_t* count, const int64_t* start, int32_t* status,
+                               int32_t, int32_t)
 {
     using namespace kob;
     entry(status, [&] {
-        const TriangularMatrix<Reader> b{{etyp, entid, etypvar}, nsize, matrixtype, {nindex, indexic, indexident, indexval}, val};
-        return read_matrix(value(block), kind::triangular_matrix, b, value(pass), filter_flags, filter_params, count, start);
+        const TriangularMatrix<Reader> b{
+            {etyp, entid, etypvar}, nsize, matrixtype, {nindex, indexic, indexident, indexval}, val};
+        return read_matrix(value(block), kind::triangular_matrix, b, value(pass), filter_flags, filter_params, count,
+                           start);
     });
 }
 
 void KOB_WRITE_SPARSEMATRIX(const int64_t* group, const char* etyp, const int32_t* entid, const char* etypvar,
-                           const int32_t* nrow, const int64_t* nnz, const int32_t* nindex, const int32_t* indexic,
-                           const int32_t* indexident, const double* indexval, const int32_t* colind, const int64_t* rowptr, const double* val,
-                           const int32_t* state, const int32_t* filter_flags, const int32_t* filter_params,
-                           const int32_t* value_size, const int32_t* mode, const int64_t* count, const int64_t* start,
-                           int32_t* status, int32_t, int32_t)
+                            const int32_t* nrow, const int64_t* nnz, const int32_t* nindex, const int32_t* indexic,
+                            const int32_t* indexident, const double* indexval, const int32_t* colind,
+                            const int64_t* rowptr, const double* val, const int32_t* state, const int32_t* filter_flags,
+                            const int32_t* filter_params, const int32_t* value_size, const int32_t* mode,
+                            const int64_t* count, const int64_t* start, int32_t* status, int32_t, int32_t)
 {
     using namespace kob;
     entry(status, [&] {
-        const SparseMatrix<Writer> b{{etyp, entid, etypvar}, nrow, nnz, {nindex, indexic, indexident, indexval}, colind, rowptr, val};
-        return write_matrix(value(group), kind::sparse_matrix, b, {etyp, value(entid), etypvar}, state, {filter_flags, filter_params},
-                            value(value_size), {value(mode), count, start});
+        const SparseMatrix<Writer> b{
+            {etyp, entid, etypvar}, nrow, nnz, {nindex, indexic, indexident, indexval}, colind, rowptr, val};
+        return write_matrix(value(group), kind::sparse_matrix, b, {etyp, value(entid), etypvar}, state,
+                            {filter_flags, filter_params}, value(value_size), {value(mode), count, start});
     });
 }
 
 void KOB_READ_SPARSEMATRIX(const int64_t* block, const int32_t* pass, char* etyp, int32_t* entid, char* etypvar,
-                          int32_t* nrow, int64_t* nnz, int32_t* nindex, int32_t* indexic, int32_t* indexident, double* indexval,
-                          int32_t* colind, int64_t* rowptr, double* val, int32_t* filter_flags, int32_t* filter_params, const int64_t* count,
-                          const int64_t* start, int32_t* status, int32_t, int32_t)
+                           int32_t* nrow, int64_t* nnz, int32_t* nindex, int32_t* indexic, int32_t* indexident,
+                           double* indexval, int32_t* colind, int64_t* rowptr, double* val, int32_t* filter_flags,
+                           int32_t* filter_params, const int64_t* count, const int64_t* start, int32_t* status, int32_t,
+                           int32_t)
 {
     using namespace kob;
     entry(status, [&] {
-        const SparseMatrix<Reader> b{{etyp, entid, etypvar}, nrow, nnz, {nindex, indexic, indexident, indexval}, colind, rowptr, val};
-        return read_matrix(value(block), kind::sparse_matrix, b, value(pass), filter_flags, filter_params, count, start);
+        const SparseMatrix<Reader> b{
+            {etyp, entid, etypvar}, nrow, nnz, {nindex, indexic, indexident, indexval}, colind, rowptr, val};
+        return read_matrix(value(block), kind::sparse_matrix, b, value(pass), filter_flags, filter_params, count,
+                           start);
     });
 }
 

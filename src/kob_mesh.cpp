@@ -282,7 +282,7 @@ void KOB_WRITE_PARTS(const int64_t* group, const char* etyppart, const int32_t* 
     using namespace kob;
     entry(status, [&] {
         const Parts<Writer> b{etyppart, npart, off, length, {nindex, indexic, indexident, indexval},
-                              pid, title, mid, mtyp, pcol};
+                              pid,      title, mid, mtyp,   pcol};
         return write_new_block(value(group), kind::parts, {validity_of(b.index, state), {kind::parts.name, etyppart}},
                                {filter_flags, filter_params}, stored_float(float_size), [&](Writer& io) {
                                    attributes(io, b);
@@ -300,7 +300,7 @@ void KOB_READ_PARTS(const int64_t* block, const int32_t* mode, char* etyppart, i
     using namespace kob;
     entry(status, [&] {
         const Parts<Reader> b{etyppart, npart, off, length, {nindex, indexic, indexident, indexval},
-                              pid, title, mid, mtyp, pcol};
+                              pid,      title, mid, mtyp,   pcol};
         return read_sections(value(block), kind::parts, b, value(mode), filter_flags, filter_params);
     });
 }
@@ -332,10 +332,10 @@ void KOB_READ_ATTRIBUTES(const int64_t* block, const int32_t* mode, char* etyp, 
 }
 
 void KOB_WRITE_IDENTIFIERS(const int64_t* group, const char* etyp, const int32_t* nent, const int32_t* nuid,
-                          const int32_t* length, const int32_t* nindex, const int32_t* indexic,
-                          const int32_t* indexident, const double* indexval, const int32_t* entid, const char* title,
-                          const int32_t* uid, const int32_t* state, const int32_t* filter_flags,
-                          const int32_t* filter_params, const int32_t* float_size, int32_t* status)
+                           const int32_t* length, const int32_t* nindex, const int32_t* indexic,
+                           const int32_t* indexident, const double* indexval, const int32_t* entid, const char* title,
+                           const int32_t* uid, const int32_t* state, const int32_t* filter_flags,
+                           const int32_t* filter_params, const int32_t* float_size, int32_t* status)
 {
     using namespace kob;
     entry(status, [&] {
@@ -346,9 +346,9 @@ void KOB_WRITE_IDENTIFIERS(const int64_t* group, const char* etyp, const int32_t
 }
 
 void KOB_READ_IDENTIFIERS(const int64_t* block, const int32_t* mode, char* etyp, int32_t* nent, int32_t* nuid,
-                         int32_t* length, int32_t* nindex, int32_t* indexic, int32_t* indexident, double* indexval,
-                         int32_t* entid, char* title, int32_t* uid, int32_t* filter_flags, int32_t* filter_params,
-                         int32_t* status)
+                          int32_t* length, int32_t* nindex, int32_t* indexic, int32_t* indexident, double* indexval,
+                          int32_t* entid, char* title, int32_t* uid, int32_t* filter_flags, int32_t* filter_params,
+                          int32_t* status)
 {
     using namespace kob;
     entry(status, [&] {
@@ -367,7 +367,7 @@ void KOB_WRITE_COLLECTOR(const int64_t* group, const char* etypcoll, const int32
     entry(status, [&] {
         const std::int32_t nenttot = sum32(nent, product32(value(ncoll), value(ntyp)));
         const Collector<Writer> b{&nenttot, etypcoll, ncoll, ntyp, {nindex, indexic, indexident, indexval},
-                                  idcoll, etyp, nent, entid};
+                                  idcoll,   etyp,     nent,  entid};
         return write_new_block(value(group), kind::collector,
                                {validity_of(b.index, state), {kind::collector.name, etypcoll}},
                                {filter_flags, filter_params}, stored_float(float_size), [&](Writer& io) {
@@ -386,11 +386,11 @@ void KOB_READ_COLLECTOR(const int64_t* block, const int32_t* mode, int32_t* nent
     using namespace kob;
     entry(status, [&] {
         const Collector<Reader> b{nenttot, etypcoll, ncoll, ntyp, {nindex, indexic, indexident, indexval},
-                                  idcoll, etyp, nent, entid};
+                                  idcoll,  etyp,     nent,  entid};
         Reader io{value(block), kind::collector};
         attributes(io, b);
-        return read_pass(io, value(mode), b.index, [&] { values(io, b); },
-                         [&] { io.report_filters(filter_flags, filter_params); });
+        return read_pass(
+            io, value(mode), b.index, [&] { values(io, b); }, [&] { io.report_filters(filter_flags, filter_params); });
     });
 }
 

@@ -105,10 +105,7 @@ template <class Io> void attributes(Io& io, const Text<Io>& b)
     attributes(io, b.index);
 }
 
-template <class Io> void values(Io& io, const Text<Io>& b)
-{
-    io.texts("line", b.line, {*b.nlines}, *b.length);
-}
+template <class Io> void values(Io& io, const Text<Io>& b) { io.texts("line", b.line, {*b.nlines}, *b.length); }
 
 } // namespace
 } // namespace kob

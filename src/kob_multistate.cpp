@@ -35,14 +35,10 @@ template <class Io> void values(Io& io, const SeriesIndex<Io>& index, const Exte
     io.exact_reals("indexval", index.indexval, {states, *index.nindex}, part);
 }
 
-void values(Reader& io, const SeriesIndex<Reader>& index)
-{
-    values(io, index, *index.nstate, Part{});
-}
+void values(Reader& io, const SeriesIndex<Reader>& index) { values(io, index, *index.nstate, Part{}); }
 
 /// A run of rows of the state index.
-template <class Io>
-void rows(Io& io, const SeriesIndex<Io>& index, std::int64_t first, std::int64_t count)
+template <class Io> void rows(Io& io, const SeriesIndex<Io>& index, std::int64_t first, std::int64_t count)
 {
     const std::array<std::int64_t, 2> counts{count, *index.nindex};
     const std::array<std::int64_t, 2> start{first, 0};
@@ -232,26 +228,20 @@ std::int32_t place_and_write_series(hid_t group, const MultiEntityResults<Writer
                                     const std::int64_t* start)
 {
     const std::int32_t size = value_size & ~real_memory_bit;
-    Placed placed = place_block(group, {{multi_state},
-                                        {names[0], kind::multi_entity_results.name, names[1], names[2], names[3]},
-                                        zoneid,
-                                        set});
+    Placed placed = place_block(
+        group, {{multi_state}, {names[0], kind::multi_entity_results.name, names[1], names[2], names[3]}, zoneid, set});
     if (placed.status < 0) {
         return placed.status;
     }
     LeadingStates one_state = states_of(b, 1, value_size_of(size).complex);
     std::int32_t nstate = 0;
-    const std::int32_t result =
-        write_series(placed.group.get(), b, filters, size, request_of(state, mode, count, start, one_state),
-                     placed.place(), nstate);
+    const std::int32_t result = write_series(placed.group.get(), b, filters, size,
+                                             request_of(state, mode, count, start, one_state), placed.place(), nstate);
     return result == 0 && placed.group.close() < 0 ? -1 : result;
 }
 
 /// Bytes of a floating number in the caller's memory, as the value-size or the pass argument tells it.
-std::size_t memory_size_of(std::int32_t word)
-{
-    return (word & real_memory_bit) != 0 ? sizeof(float) : sizeof(double);
-}
+std::size_t memory_size_of(std::int32_t word) { return (word & real_memory_bit) != 0 ? sizeof(float) : sizeof(double); }
 
 /// Index rows of the states that a selection names.
 void selected_rows(Reader& io, const MultiEntityResults<Reader>& b, const Part& part)
@@ -323,10 +313,14 @@ struct SeriesPass {
 SeriesPass series_pass(std::int32_t pass)
 {
     switch (pass) {
-    case 3: return {section::values, true};
-    case 4: return {section::state_index | section::values, true};
-    case 5: return {section::identifiers, false};
-    default: return {sections_of_pass(pass), false};
+    case 3:
+        return {section::values, true};
+    case 4:
+        return {section::state_index | section::values, true};
+    case 5:
+        return {section::identifiers, false};
+    default:
+        return {sections_of_pass(pass), false};
     }
 }
 
@@ -373,22 +367,34 @@ template <class Io> void attributes(Io& io, const MultiActivationFlags<Io>& b)
 extern "C" {
 
 void KOB_WRITE_MULTIENTITYRESULTS(const int64_t* group, const char* series, const char* etyp, const int32_t* nent,
-                                  const char* etypvar, const int32_t* ncoo, const char* etypzone,
-                                  const int32_t* zoneid, const char* etypframe, const int32_t* fswitch,
-                                  const int32_t* dmpswitch, const int32_t* nindex, const int32_t* indexident,
-                                  const void* indexval, const int32_t* entid, const int32_t* fidglob,
-                                  const int32_t* fid, const char* operator_, const void* weight, const void* res, const int32_t* set, const int32_t* state,
-                                  const int32_t* filter_flags, const int32_t* filter_params,
+                                  const char* etypvar, const int32_t* ncoo, const char* etypzone, const int32_t* zoneid,
+                                  const char* etypframe, const int32_t* fswitch, const int32_t* dmpswitch,
+                                  const int32_t* nindex, const int32_t* indexident, const void* indexval,
+                                  const int32_t* entid, const int32_t* fidglob, const int32_t* fid,
+                                  const char* operator_, const void* weight, const void* res, const int32_t* set,
+                                  const int32_t* state, const int32_t* filter_flags, const int32_t* filter_params,
                                   const int32_t* value_size, int32_t* status)
 {
     using namespace kob;
     entry(status, [&] {
         const std::size_t size = memory_size_of(value(value_size));
         const MultiEntityResults<Writer> b{series,
-                                          {etyp, nent, etypvar, ncoo, etypzone, zoneid, etypframe, fswitch, dmpswitch,
-                                           entid, fidglob, fid, operator_, {weight, size}},
-                                          {nindex, nullptr, indexident, {indexval, size}},
-                                          {res, size}};
+                                           {etyp,
+                                            nent,
+                                            etypvar,
+                                            ncoo,
+                                            etypzone,
+                                            zoneid,
+                                            etypframe,
+                                            fswitch,
+                                            dmpswitch,
+                                            entid,
+                                            fidglob,
+                                            fid,
+                                            operator_,
+                                            {weight, size}},
+                                           {nindex, nullptr, indexident, {indexval, size}},
+                                           {res, size}};
         const std::array names{series, etyp, etypvar, etypzone};
         return place_and_write_series(value(group), b, names.data(), value(zoneid), value(set), value(state),
                                       {filter_flags, filter_params}, value(value_size), access_mode::whole, nullptr,
@@ -397,12 +403,12 @@ void KOB_WRITE_MULTIENTITYRESULTS(const int64_t* group, const char* series, cons
 }
 
 void KOB_WRITE_MULTIENTITYRESULTC(const int64_t* group, const char* series, const char* etyp, const int32_t* nent,
-                                  const char* etypvar, const int32_t* ncoo, const char* etypzone,
-                                  const int32_t* zoneid, const char* etypframe, const int32_t* fswitch,
-                                  const int32_t* dmpswitch, const int32_t* nindex, const int32_t* indexident,
-                                  const void* indexval, const int32_t* entid, const int32_t* fidglob,
-                                  const int32_t* fid, const char* operator_, const void* weight, const void* res, const int32_t* set, const int32_t* state,
-                                  const int32_t* filter_flags, const int32_t* filter_params,
+                                  const char* etypvar, const int32_t* ncoo, const char* etypzone, const int32_t* zoneid,
+                                  const char* etypframe, const int32_t* fswitch, const int32_t* dmpswitch,
+                                  const int32_t* nindex, const int32_t* indexident, const void* indexval,
+                                  const int32_t* entid, const int32_t* fidglob, const int32_t* fid,
+                                  const char* operator_, const void* weight, const void* res, const int32_t* set,
+                                  const int32_t* state, const int32_t* filter_flags, const int32_t* filter_params,
                                   const int32_t* value_size, const int32_t* mode, const int64_t* count,
                                   const int64_t* start, int32_t* status)
 {
@@ -410,34 +416,59 @@ void KOB_WRITE_MULTIENTITYRESULTC(const int64_t* group, const char* series, cons
     entry(status, [&] {
         const std::size_t size = memory_size_of(value(value_size));
         const MultiEntityResults<Writer> b{series,
-                                          {etyp, nent, etypvar, ncoo, etypzone, zoneid, etypframe, fswitch, dmpswitch,
-                                           entid, fidglob, fid, operator_, {weight, size}},
-                                          {nindex, nullptr, indexident, {indexval, size}},
-                                          {res, size}};
+                                           {etyp,
+                                            nent,
+                                            etypvar,
+                                            ncoo,
+                                            etypzone,
+                                            zoneid,
+                                            etypframe,
+                                            fswitch,
+                                            dmpswitch,
+                                            entid,
+                                            fidglob,
+                                            fid,
+                                            operator_,
+                                            {weight, size}},
+                                           {nindex, nullptr, indexident, {indexval, size}},
+                                           {res, size}};
         const std::array names{series, etyp, etypvar, etypzone};
         return place_and_write_series(value(group), b, names.data(), value(zoneid), value(set), value(state),
                                       {filter_flags, filter_params}, value(value_size), value(mode), count, start);
     });
 }
 
-void KOB_WRITE_MULTIENTITYRESULTS2(const int64_t* groups, const void*, const void*, const char* series, const char* etyp, const int32_t* nent,
-                                  const char* etypvar, const int32_t* ncoo, const char* etypzone,
-                                  const int32_t* zoneid, const char* etypframe, const int32_t* fswitch,
-                                  const int32_t* dmpswitch, const int32_t* nindex, const int32_t* indexident,
-                                  const void* indexval, const int32_t* entid, const int32_t* fidglob,
-                                  const int32_t* fid, const char* operator_, const void* weight, const void* res,
-                                   const int32_t* memory_size, const int32_t* state, const int32_t* filter_flags,
-                                   const int32_t* filter_params, const int32_t* value_size, const int32_t* mode,
-                                   const int64_t* count, const int64_t* start, int32_t* nstate, int32_t* status)
+void KOB_WRITE_MULTIENTITYRESULTS2(const int64_t* groups, const void*, const void*, const char* series,
+                                   const char* etyp, const int32_t* nent, const char* etypvar, const int32_t* ncoo,
+                                   const char* etypzone, const int32_t* zoneid, const char* etypframe,
+                                   const int32_t* fswitch, const int32_t* dmpswitch, const int32_t* nindex,
+                                   const int32_t* indexident, const void* indexval, const int32_t* entid,
+                                   const int32_t* fidglob, const int32_t* fid, const char* operator_,
+                                   const void* weight, const void* res, const int32_t* memory_size,
+                                   const int32_t* state, const int32_t* filter_flags, const int32_t* filter_params,
+                                   const int32_t* value_size, const int32_t* mode, const int64_t* count,
+                                   const int64_t* start, int32_t* nstate, int32_t* status)
 {
     using namespace kob;
     entry(status, [&] {
         const auto size = static_cast<std::size_t>(value(memory_size));
         const MultiEntityResults<Writer> b{series,
-                                          {etyp, nent, etypvar, ncoo, etypzone, zoneid, etypframe, fswitch, dmpswitch,
-                                           entid, fidglob, fid, operator_, {weight, size}},
-                                          {nindex, nullptr, indexident, {indexval, size}},
-                                          {res, size}};
+                                           {etyp,
+                                            nent,
+                                            etypvar,
+                                            ncoo,
+                                            etypzone,
+                                            zoneid,
+                                            etypframe,
+                                            fswitch,
+                                            dmpswitch,
+                                            entid,
+                                            fidglob,
+                                            fid,
+                                            operator_,
+                                            {weight, size}},
+                                           {nindex, nullptr, indexident, {indexval, size}},
+                                           {res, size}};
         std::int32_t held = 0;
         const std::int32_t result =
             write_series(value(groups), b, {filter_flags, filter_params}, value(value_size),
@@ -447,11 +478,10 @@ void KOB_WRITE_MULTIENTITYRESULTS2(const int64_t* groups, const void*, const voi
 }
 
 void KOB_READ_MULTIENTITYRESULTS(const int64_t* block, const int32_t* pass, char* series, char* etyp, int32_t* nent,
-                                  char* etypvar, int32_t* ncoo, char* etypzone,
-                                  int32_t* zoneid, char* etypframe, int32_t* fswitch,
-                                  int32_t* dmpswitch, int32_t* nindex, int32_t* nstate, int32_t* indexident,
-                                  void* indexval, int32_t* entid, int32_t* fidglob,
-                                  int32_t* fid, char* operator_, void* weight, void* res, int32_t* filter_flags,
+                                 char* etypvar, int32_t* ncoo, char* etypzone, int32_t* zoneid, char* etypframe,
+                                 int32_t* fswitch, int32_t* dmpswitch, int32_t* nindex, int32_t* nstate,
+                                 int32_t* indexident, double* indexval, int32_t* entid, int32_t* fidglob, int32_t* fid,
+                                 char* operator_, double* weight, double* res, int32_t* filter_flags,
                                  int32_t* filter_params, int32_t* status)
 {
     using namespace kob;
@@ -462,21 +492,32 @@ void KOB_READ_MULTIENTITYRESULTS(const int64_t* block, const int32_t* pass, char
             return wrong_pass;
         }
         const MultiEntityResults<Reader> b{series,
-                                          {etyp, nent, etypvar, ncoo, etypzone, zoneid, etypframe, fswitch, dmpswitch,
-                                           entid, fidglob, fid, operator_, {weight, sizeof(double)}},
-                                          {nindex, nstate, indexident, {indexval, sizeof(double)}},
-                                          {res, sizeof(double)}};
+                                           {etyp,
+                                            nent,
+                                            etypvar,
+                                            ncoo,
+                                            etypzone,
+                                            zoneid,
+                                            etypframe,
+                                            fswitch,
+                                            dmpswitch,
+                                            entid,
+                                            fidglob,
+                                            fid,
+                                            operator_,
+                                            {weight, sizeof(double)}},
+                                           {nindex, nstate, indexident, {indexval, sizeof(double)}},
+                                           {res, sizeof(double)}};
         Reader io{value(block), kind::multi_entity_results};
         return read_series(io, sections, b, filter_flags, filter_params, {});
     });
 }
 
 void KOB_READ_MULTIENTITYRESULTC(const int64_t* block, const int32_t* pass, char* series, char* etyp, int32_t* nent,
-                                  char* etypvar, int32_t* ncoo, char* etypzone,
-                                  int32_t* zoneid, char* etypframe, int32_t* fswitch,
-                                  int32_t* dmpswitch, int32_t* nindex, int32_t* nstate, int32_t* indexident,
-                                  void* indexval, int32_t* entid, int32_t* fidglob,
-                                  int32_t* fid, char* operator_, void* weight, void* res, int32_t* filter_flags,
+                                 char* etypvar, int32_t* ncoo, char* etypzone, int32_t* zoneid, char* etypframe,
+                                 int32_t* fswitch, int32_t* dmpswitch, int32_t* nindex, int32_t* nstate,
+                                 int32_t* indexident, void* indexval, int32_t* entid, int32_t* fidglob, int32_t* fid,
+                                 char* operator_, void* weight, void* res, int32_t* filter_flags,
                                  int32_t* filter_params, const int32_t* mode, const int64_t* count,
                                  const int64_t* start, int32_t* status)
 {
@@ -489,10 +530,22 @@ void KOB_READ_MULTIENTITYRESULTC(const int64_t* block, const int32_t* pass, char
             return wrong_pass;
         }
         const MultiEntityResults<Reader> b{series,
-                                          {etyp, nent, etypvar, ncoo, etypzone, zoneid, etypframe, fswitch, dmpswitch,
-                                           entid, fidglob, fid, operator_, {weight, size}},
-                                          {nindex, nstate, indexident, {indexval, size}},
-                                          {res, size}};
+                                           {etyp,
+                                            nent,
+                                            etypvar,
+                                            ncoo,
+                                            etypzone,
+                                            zoneid,
+                                            etypframe,
+                                            fswitch,
+                                            dmpswitch,
+                                            entid,
+                                            fidglob,
+                                            fid,
+                                            operator_,
+                                            {weight, size}},
+                                           {nindex, nstate, indexident, {indexval, size}},
+                                           {res, size}};
         Reader io{value(block), kind::multi_entity_results};
         if (!io.ok() || !wanted.is_piece) {
             return read_series(io, wanted.sections, b, filter_flags, filter_params, {});
@@ -506,12 +559,11 @@ void KOB_READ_MULTIENTITYRESULTC(const int64_t* block, const int32_t* pass, char
     });
 }
 
-void KOB_READ_MULTIENTITYRESULTS2(const int64_t* block, const int32_t* sections, const void*, char* series, char* etyp, int32_t* nent,
-                                  char* etypvar, int32_t* ncoo, char* etypzone,
-                                  int32_t* zoneid, char* etypframe, int32_t* fswitch,
-                                  int32_t* dmpswitch, int32_t* nindex, int32_t* nstate, int32_t* indexident,
-                                  void* indexval, int32_t* entid, int32_t* fidglob,
-                                  int32_t* fid, char* operator_, void* weight, void* res,
+void KOB_READ_MULTIENTITYRESULTS2(const int64_t* block, const int32_t* sections, const void*, char* series, char* etyp,
+                                  int32_t* nent, char* etypvar, int32_t* ncoo, char* etypzone, int32_t* zoneid,
+                                  char* etypframe, int32_t* fswitch, int32_t* dmpswitch, int32_t* nindex,
+                                  int32_t* nstate, int32_t* indexident, void* indexval, int32_t* entid,
+                                  int32_t* fidglob, int32_t* fid, char* operator_, void* weight, void* res,
                                   const int32_t* memory_size, int32_t* filter_flags, int32_t* filter_params,
                                   const int32_t* mode, const int64_t* count, const int64_t* start, int32_t* status)
 {
@@ -519,10 +571,22 @@ void KOB_READ_MULTIENTITYRESULTS2(const int64_t* block, const int32_t* sections,
     entry(status, [&] {
         const auto size = static_cast<std::size_t>(value(memory_size));
         const MultiEntityResults<Reader> b{series,
-                                          {etyp, nent, etypvar, ncoo, etypzone, zoneid, etypframe, fswitch, dmpswitch,
-                                           entid, fidglob, fid, operator_, {weight, size}},
-                                          {nindex, nstate, indexident, {indexval, size}},
-                                          {res, size}};
+                                           {etyp,
+                                            nent,
+                                            etypvar,
+                                            ncoo,
+                                            etypzone,
+                                            zoneid,
+                                            etypframe,
+                                            fswitch,
+                                            dmpswitch,
+                                            entid,
+                                            fidglob,
+                                            fid,
+                                            operator_,
+                                            {weight, size}},
+                                           {nindex, nstate, indexident, {indexval, size}},
+                                           {res, size}};
         Reader io{value(block), kind::multi_entity_results};
         return read_series(io, value(sections), b, filter_flags, filter_params, {value(mode), count, start});
     });
@@ -534,8 +598,8 @@ void KOB_WRITE_MULTIELEMENTRESULTS(const int64_t* group, const char* series, con
                                    const int32_t* fswitch, const int32_t* dmpswitch, const int32_t* nindex,
                                    const int32_t* indexident, const double* indexval, const int32_t* idele,
                                    const int32_t* fidglob, const int32_t* fid, const double* eloc,
-                                   const char* operator_, const double* weight, const double* res, const int32_t* set, const int32_t* n,
-                                   const int32_t* filter_flags, const int32_t* filter_params,
+                                   const char* operator_, const double* weight, const double* res, const int32_t* set,
+                                   const int32_t* n, const int32_t* filter_flags, const int32_t* filter_params,
                                    const int32_t* value_size, int32_t* status)
 {
     using namespace kob;
@@ -545,13 +609,14 @@ void KOB_WRITE_MULTIELEMENTRESULTS(const int64_t* group, const char* series, con
             return invalid_mode;
         }
         const MultiElementResults<Writer> b{series,
-                                           {etypelem, nele, etypvar, ncoo, numl, ndim, etypzone, zoneid, etypframe,
-                                            fswitch, dmpswitch, idele, fidglob, fid, eloc, operator_, weight},
-                                           {nindex, nullptr, indexident, indexval},
-                                           res};
+                                            {etypelem, nele, etypvar, ncoo, numl, ndim, etypzone, zoneid, etypframe,
+                                             fswitch, dmpswitch, idele, fidglob, fid, eloc, operator_, weight},
+                                            {nindex, nullptr, indexident, indexval},
+                                            res};
         const ValueSize size = value_size_of(value(value_size));
         return write_open_block(
-            value(group), kind, {{multi_state}, {series, kind.name, etypelem, etypvar, etypzone}, value(zoneid), value(set)},
+            value(group), kind,
+            {{multi_state}, {series, kind.name, etypelem, etypvar, etypzone}, value(zoneid), value(set)},
             {filter_flags, filter_params}, size.stored, [&](Writer& io, const Placed& placed) {
                 if (placed.is_new()) {
                     io.frame(kind, kind.key_of(size.complex));
@@ -569,22 +634,21 @@ void KOB_WRITE_MULTIELEMENTRESULTS(const int64_t* group, const char* series, con
     });
 }
 
-void KOB_READ_MULTIELEMENTRESULTS(const int64_t* block, const int32_t* pass, char* series, char* etypelem, int32_t* nele,
-                                   char* etypvar, int32_t* ncoo, int32_t* numl, int32_t* ndim,
-                                   char* etypzone, int32_t* zoneid, char* etypframe,
-                                   int32_t* fswitch, int32_t* dmpswitch, int32_t* nindex, int32_t* nstate,
-                                   int32_t* indexident, double* indexval, int32_t* idele,
-                                   int32_t* fidglob, int32_t* fid, double* eloc,
-                                   char* operator_, double* weight, double* res, int32_t* filter_flags,
+void KOB_READ_MULTIELEMENTRESULTS(const int64_t* block, const int32_t* pass, char* series, char* etypelem,
+                                  int32_t* nele, char* etypvar, int32_t* ncoo, int32_t* numl, int32_t* ndim,
+                                  char* etypzone, int32_t* zoneid, char* etypframe, int32_t* fswitch,
+                                  int32_t* dmpswitch, int32_t* nindex, int32_t* nstate, int32_t* indexident,
+                                  double* indexval, int32_t* idele, int32_t* fidglob, int32_t* fid, double* eloc,
+                                  char* operator_, double* weight, double* res, int32_t* filter_flags,
                                   int32_t* filter_params, int32_t* status)
 {
     using namespace kob;
     entry(status, [&] {
         const MultiElementResults<Reader> b{series,
-                                           {etypelem, nele, etypvar, ncoo, numl, ndim, etypzone, zoneid, etypframe,
-                                            fswitch, dmpswitch, idele, fidglob, fid, eloc, operator_, weight},
-                                           {nindex, nstate, indexident, indexval},
-                                           res};
+                                            {etypelem, nele, etypvar, ncoo, numl, ndim, etypzone, zoneid, etypframe,
+                                             fswitch, dmpswitch, idele, fidglob, fid, eloc, operator_, weight},
+                                            {nindex, nstate, indexident, indexval},
+                                            res};
         return read_passes_of_two_keys(
             value(block), kind::multi_element_results, value(pass), b, b.index,
             [&](Reader& io) {

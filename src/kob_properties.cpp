@@ -46,10 +46,7 @@ template <class Io> void attributes(Io& io, const Properties<Io>& b)
     attributes(io, b.index);
 }
 
-template <class Io, class Block> void identifiers(Io& io, const Block& b)
-{
-    io.integers("entid", b.entid, {*b.nent});
-}
+template <class Io, class Block> void identifiers(Io& io, const Block& b) { io.integers("entid", b.entid, {*b.nent}); }
 
 /// The rows of a parameter table that a call transfers.
 class RowSelection {
@@ -109,9 +106,8 @@ void values(Io& io, const Properties<Io>& b, const RowSelection& rows, Refuse&& 
     table(*b.nbfloat,
           [&](const Shape& shape, const Part& part) { io.exact_reals("fparam", b.fparam.get(), shape, part); });
     if (io.ok() && *b.length > 0) {
-        table(*b.nbstring, [&](const Shape& shape, const Part& part) {
-            io.texts("cparam", b.cparam, shape, *b.length, part);
-        });
+        table(*b.nbstring,
+              [&](const Shape& shape, const Part& part) { io.texts("cparam", b.cparam, shape, *b.length, part); });
     }
 }
 
@@ -148,8 +144,22 @@ void KOB_WRITE_PROPERTIES(const int64_t* groups, const int32_t* sections, const 
 {
     using namespace kob;
     entry(status, [&] {
-        const Properties<Writer> b{etyp, etypprop, etypzone, zoneid, nent, nbid, nbint, nbfloat, nbstring, length,
-                                   {nindex, indexic, indexident, indexval}, entid, idparam, iparam, fparam, cparam};
+        const Properties<Writer> b{etyp,
+                                   etypprop,
+                                   etypzone,
+                                   zoneid,
+                                   nent,
+                                   nbid,
+                                   nbint,
+                                   nbfloat,
+                                   nbstring,
+                                   length,
+                                   {nindex, indexic, indexident, indexval},
+                                   entid,
+                                   idparam,
+                                   iparam,
+                                   fparam,
+                                   cparam};
         const hid_t block = value(groups);
         if (block < 0) {
             report_error(message::writing_key, kind::properties.key);
@@ -190,8 +200,22 @@ void KOB_READ_PROPERTIES(const int64_t* block, const int32_t* sections, char* et
 {
     using namespace kob;
     entry(status, [&] {
-        const Properties<Reader> b{etyp, etypprop, etypzone, zoneid, nent, nbid, nbint, nbfloat, nbstring, length,
-                                   {nindex, indexic, indexident, indexval}, entid, idparam, iparam, fparam, cparam};
+        const Properties<Reader> b{etyp,
+                                   etypprop,
+                                   etypzone,
+                                   zoneid,
+                                   nent,
+                                   nbid,
+                                   nbint,
+                                   nbfloat,
+                                   nbstring,
+                                   length,
+                                   {nindex, indexic, indexident, indexval},
+                                   entid,
+                                   idparam,
+                                   iparam,
+                                   fparam,
+                                   cparam};
         Reader io{value(block), kind::properties};
         io.key_as_status();
         if (section::has(value(sections), section::attributes)) {

@@ -182,10 +182,10 @@ void KOB_WRITE_ENTITYRESULTS(const int64_t* group, const char* etyp, const int32
 {
     using namespace kob;
     entry(status, [&] {
-        const EntityResults<Writer> b{{etyp, nent, etypvar, ncoo, etypzone, zoneid, etypframe, fswitch, dmpswitch, entid,
-                                         fidglob, fid, operator_, weight},
-                                        {nindex, indexic, indexident, indexval},
-                                        res};
+        const EntityResults<Writer> b{{etyp, nent, etypvar, ncoo, etypzone, zoneid, etypframe, fswitch, dmpswitch,
+                                       entid, fidglob, fid, operator_, weight},
+                                      {nindex, indexic, indexident, indexval},
+                                      res};
         Placed placed = place_block(value(group), {validity_of(b.index, state),
                                                    {kind::entity_results.name, etyp, etypvar, etypzone},
                                                    value(zoneid),
@@ -212,10 +212,10 @@ void KOB_WRITE_ENTITYRESULTS2(const int64_t* groups, const int32_t* sections, co
 {
     using namespace kob;
     entry(status, [&] {
-        const EntityResults<Writer> b{{etyp, nent, etypvar, ncoo, etypzone, zoneid, etypframe, fswitch, dmpswitch, entid,
-                                         fidglob, fid, operator_, weight},
-                                        {nindex, indexic, indexident, indexval},
-                                        {res, static_cast<std::size_t>(value(memory_size))}};
+        const EntityResults<Writer> b{{etyp, nent, etypvar, ncoo, etypzone, zoneid, etypframe, fswitch, dmpswitch,
+                                       entid, fidglob, fid, operator_, weight},
+                                      {nindex, indexic, indexident, indexval},
+                                      {res, static_cast<std::size_t>(value(memory_size))}};
         return write_sections(value(groups), groups, value(sections), b, {filter_flags, filter_params},
                               value(value_size), {value(mode), count, start}, Place::unknown);
     });
@@ -234,10 +234,10 @@ void KOB_READ_ENTITYRESULTS(const int64_t* block, const int32_t* pass, char* ety
             report_error(message::reading_named_pass, kind::entity_results.name, value(pass));
             return wrong_pass;
         }
-        const EntityResults<Reader> b{{etyp, nent, etypvar, ncoo, etypzone, zoneid, etypframe, fswitch, dmpswitch, entid,
-                                         fidglob, fid, operator_, weight},
-                                        {nindex, indexic, indexident, indexval},
-                                        res};
+        const EntityResults<Reader> b{{etyp, nent, etypvar, ncoo, etypzone, zoneid, etypframe, fswitch, dmpswitch,
+                                       entid, fidglob, fid, operator_, weight},
+                                      {nindex, indexic, indexident, indexval},
+                                      res};
         return read_sections(value(block), sections, b, filter_flags, filter_params, {});
     });
 }
@@ -252,10 +252,10 @@ void KOB_READ_ENTITYRESULTS2(const int64_t* block, const int32_t* sections, cons
 {
     using namespace kob;
     entry(status, [&] {
-        const EntityResults<Reader> b{{etyp, nent, etypvar, ncoo, etypzone, zoneid, etypframe, fswitch, dmpswitch, entid,
-                                         fidglob, fid, operator_, weight},
-                                        {nindex, indexic, indexident, indexval},
-                                        {res, static_cast<std::size_t>(value(memory_size))}};
+        const EntityResults<Reader> b{{etyp, nent, etypvar, ncoo, etypzone, zoneid, etypframe, fswitch, dmpswitch,
+                                       entid, fidglob, fid, operator_, weight},
+                                      {nindex, indexic, indexident, indexval},
+                                      {res, static_cast<std::size_t>(value(memory_size))}};
         return read_sections(value(block), value(sections), b, filter_flags, filter_params,
                              {value(mode), count, start});
     });
@@ -267,16 +267,16 @@ void KOB_WRITE_ELEMENTRESULTS(const int64_t* group, const char* etypelem, const 
                               const int32_t* dmpswitch, const int32_t* nindex, const int32_t* indexic,
                               const int32_t* indexident, const double* indexval, const int32_t* idele,
                               const int32_t* fidglob, const int32_t* fid, const double* eloc, const char* operator_,
-                              const double* weight, const double* res, const int32_t* set,
-                              const int32_t* state, const int32_t* filter_flags, const int32_t* filter_params,
-                              const int32_t* value_size, int32_t* status)
+                              const double* weight, const double* res, const int32_t* set, const int32_t* state,
+                              const int32_t* filter_flags, const int32_t* filter_params, const int32_t* value_size,
+                              int32_t* status)
 {
     using namespace kob;
     entry(status, [&] {
-        const ElementResults<Writer> b{{etypelem, nele, etypvar, ncoo, numl, ndim, etypzone, zoneid, etypframe,
-                                          fswitch, dmpswitch, idele, fidglob, fid, eloc, operator_, weight},
-                                         {nindex, indexic, indexident, indexval},
-                                         res};
+        const ElementResults<Writer> b{{etypelem, nele, etypvar, ncoo, numl, ndim, etypzone, zoneid, etypframe, fswitch,
+                                        dmpswitch, idele, fidglob, fid, eloc, operator_, weight},
+                                       {nindex, indexic, indexident, indexval},
+                                       res};
         const BlockPath path{validity_of(b.index, state),
                              {kind::element_results.name, etypelem, etypvar, etypzone},
                              value(zoneid),
@@ -294,20 +294,18 @@ void KOB_WRITE_ELEMENTRESULTS(const int64_t* group, const char* etypelem, const 
 }
 
 void KOB_READ_ELEMENTRESULTS(const int64_t* block, const int32_t* pass, char* etypelem, int32_t* nele, char* etypvar,
-                              int32_t* ncoo, int32_t* numl, int32_t* ndim, char* etypzone,
-                              int32_t* zoneid, char* etypframe, int32_t* fswitch,
-                              int32_t* dmpswitch, int32_t* nindex, int32_t* indexic,
-                              int32_t* indexident, double* indexval, int32_t* idele,
-                              int32_t* fidglob, int32_t* fid, double* eloc, char* operator_,
-                              double* weight, double* res, int32_t* filter_flags,
+                             int32_t* ncoo, int32_t* numl, int32_t* ndim, char* etypzone, int32_t* zoneid,
+                             char* etypframe, int32_t* fswitch, int32_t* dmpswitch, int32_t* nindex, int32_t* indexic,
+                             int32_t* indexident, double* indexval, int32_t* idele, int32_t* fidglob, int32_t* fid,
+                             double* eloc, char* operator_, double* weight, double* res, int32_t* filter_flags,
                              int32_t* filter_params, int32_t* status)
 {
     using namespace kob;
     entry(status, [&] {
-        const ElementResults<Reader> b{{etypelem, nele, etypvar, ncoo, numl, ndim, etypzone, zoneid, etypframe,
-                                          fswitch, dmpswitch, idele, fidglob, fid, eloc, operator_, weight},
-                                         {nindex, indexic, indexident, indexval},
-                                         res};
+        const ElementResults<Reader> b{{etypelem, nele, etypvar, ncoo, numl, ndim, etypzone, zoneid, etypframe, fswitch,
+                                        dmpswitch, idele, fidglob, fid, eloc, operator_, weight},
+                                       {nindex, indexic, indexident, indexval},
+                                       res};
         return read_passes_of_two_keys(
             value(block), kind::element_results, value(pass), b, b.index,
             [&](Reader& io) {
@@ -345,8 +343,9 @@ void KOB_READ_ACTIVFLAGS(const int64_t* block, const int32_t* pass, char* etyp, 
         const ActivationFlags<Reader> b{etyp, nent, {nindex, indexic, indexident, indexval}, entid, flags};
         Reader io{value(block), kind::activation_flags};
         attributes(io, b);
-        return read_pass(io, value(pass), b.index, [&] { values(io, b); },
-                         [&] { io.report_filters_of("status", filter_flags, filter_params); });
+        return read_pass(
+            io, value(pass), b.index, [&] { values(io, b); },
+            [&] { io.report_filters_of("status", filter_flags, filter_params); });
     });
 }
 

@@ -14,10 +14,14 @@ constexpr std::int32_t wrong_pass = -3;
 constexpr std::int32_t sections_of_pass(std::int32_t pass)
 {
     switch (pass) {
-    case 0: return section::attributes | section::state_index;
-    case 1: return section::attributes;
-    case 2: return section::all;
-    default: return 0;
+    case 0:
+        return section::attributes | section::state_index;
+    case 1:
+        return section::attributes;
+    case 2:
+        return section::all;
+    default:
+        return 0;
     }
 }
 
@@ -57,9 +61,15 @@ template <class Io, class Side> void identifiers(Io& io, const EntityTable<Side>
 {
     io.integers("entid", b.entid, {*b.nent});
     switch (*b.fswitch) {
-    case 0: io.single("fidglob", b.fidglob); break;
-    case 1: io.integers("fid", b.fid, {*b.nent}); break;
-    default: io.fail(wrong_frame_switch); break;
+    case 0:
+        io.single("fidglob", b.fidglob);
+        break;
+    case 1:
+        io.integers("fid", b.fid, {*b.nent});
+        break;
+    default:
+        io.fail(wrong_frame_switch);
+        break;
     }
     if (*b.dmpswitch == 1) {
         io.texts("operator", b.operators, {*b.ncoo});
@@ -110,10 +120,18 @@ template <class Io> void identifiers(Io& io, const ElementTable<Io>& b)
     }
     io.integers("idele", b.idele, {*b.nele});
     switch (*b.fswitch) {
-    case 0: io.single("fidglob", b.fidglob); break;
-    case 1: io.integers("fid", b.fid, {*b.nele}); break;
-    case 2: io.integers("fid", b.fid, {*b.nele, *b.numl}); break;
-    default: io.fail(wrong_frame_switch); break;
+    case 0:
+        io.single("fidglob", b.fidglob);
+        break;
+    case 1:
+        io.integers("fid", b.fid, {*b.nele});
+        break;
+    case 2:
+        io.integers("fid", b.fid, {*b.nele, *b.numl});
+        break;
+    default:
+        io.fail(wrong_frame_switch);
+        break;
     }
     if (*b.dmpswitch == 1) {
         io.texts("operator", b.operators, {*b.ncoo});

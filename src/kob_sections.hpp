@@ -13,9 +13,6 @@ constexpr std::int32_t values = 8;
 constexpr std::int32_t shared_identifiers = 16; // with `identifiers`: one copy in a shared group, linked by each block
 constexpr std::int32_t all = attributes | state_index | identifiers | values;
 
-constexpr bool has(std::int32_t sections, std::int32_t bit)
-{
-    return (sections & bit) != 0;
-}
+constexpr bool has(std::int32_t sections, std::int32_t bit) { return (sections & bit) != 0; }
 
 } // namespace kob::section

@@ -103,8 +103,8 @@ void kob_iquicksort(const int32_t* values, int32_t* index, int32_t lo, int32_t h
 
 void kob_ibsearch(int32_t key, const int32_t* values, const int32_t* index, int32_t lo, int32_t hi, int32_t* position)
 {
-    *position = kob::search(
-        lo, hi, [=](int32_t middle) { return kob::compare_numbers(key, values[kob::at(index, middle)]); });
+    *position =
+        kob::search(lo, hi, [=](int32_t middle) { return kob::compare_numbers(key, values[kob::at(index, middle)]); });
 }
 
 void kob_cquicksort(const char* records, int32_t* index, int32_t lo, int32_t hi, int32_t width)
@@ -129,8 +129,7 @@ void kob_cpquicksort(const char* const* texts, int32_t* index, int32_t lo, int32
 
 void kob_cpbsearch(const char* key, const char* base, const int32_t* offsets, int32_t lo, int32_t hi, int32_t* position)
 {
-    *position = kob::search(lo, hi,
-                            [=](int32_t middle) { return std::strcmp(key, base + kob::at(offsets, middle)); });
+    *position = kob::search(lo, hi, [=](int32_t middle) { return std::strcmp(key, base + kob::at(offsets, middle)); });
 }
 
 void kob_jquicksort(const int32_t* values, int32_t* index, int32_t lo, int32_t hi)

@@ -16,7 +16,9 @@ class Selection {
 public:
     Selection(std::int32_t mode, std::int32_t rank, const std::int64_t* count, const std::int64_t* start,
               Origin origin = Origin::end)
-        : mode_{mode}, origin_{origin}, rank_{rank < 0 ? 0U : std::min<std::size_t>(static_cast<std::size_t>(rank), H5S_MAX_RANK)}
+        : mode_{mode}, origin_{origin}, rank_{rank < 0
+                                                  ? 0U
+                                                  : std::min<std::size_t>(static_cast<std::size_t>(rank), H5S_MAX_RANK)}
     {
         if (mode_ == access_mode::block) {
             for (std::size_t i = 0; i < rank_; ++i) {
@@ -178,8 +180,12 @@ public:
         if (!exists && dims == nullptr) {
             return refuse(no_dims);
         }
-        if (const std::int32_t result = exists ? open() : create(); result != 0) { return result; }
-        if (options.leading_extent != nullptr) { *options.leading_extent = leading_extent_; }
+        if (const std::int32_t result = exists ? open() : create(); result != 0) {
+            return result;
+        }
+        if (options.leading_extent != nullptr) {
+            *options.leading_extent = leading_extent_;
+        }
         return transfer();
     }
 
@@ -333,7 +339,8 @@ std::int32_t KOB_H5Dwrite(const char* name, const void* data, std::int32_t kob_t
                           const std::int32_t* filter_params, WriteOptions options)
 {
     return DatasetWrite{{name, data, kob_type, data_size, kob_size, dims, rank, mode, location, filter_flags,
-                         filter_params, Selection{mode, rank, count, start, options.origin}}}.run(options);
+                         filter_params, Selection{mode, rank, count, start, options.origin}}}
+        .run(options);
 }
 
 std::int32_t KOB_H5Dread(const char* name, void* data, std::int32_t kob_type, std::size_t data_size,
