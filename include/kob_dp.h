@@ -489,7 +489,7 @@ KOB_API void KOB1_FLUSH(const int64_t* handle, const int32_t* scope, int32_t* st
  *  @param[in]  selector int32 [1], 1: the build identifier; 2: "HDF5-1.14.6"; 4: "KOB-2.2.16"; 6: "HDF5-1.14.6
  *                       KOB-2.2.16"; any other: "kob__dp HDF5-1.14.6 KOB-2.2.16" (with the running HDF5 version)
  *  @param[in]  verbose  int32 [1], positive: also print the versions on standard output
- *  @param[out] status   int32 [1], 0; -998 HDF5 older than 1.14.6; -999 its version is unknown; text is set only with 0 */
+ *  @param[out] status   int32 [1], 0; -998 HDF5 older than 1.14.6; -999 its version is unknown. text is set with 0 */
 KOB_API void KOB_GET_VERSION(char* text, const int32_t* selector, const int32_t* verbose, int32_t* status);
 
 /** Opens a group by its path, and can create what is missing of it.
@@ -634,7 +634,7 @@ KOB_API void KOB_OPENAUTOPATH(const int64_t* parent, const int32_t* mask, const 
  *  Soft and external links to groups are followed; one that leads nowhere is skipped. A group that is already open on
  *  the current path (a cycle) is not entered again. A group that has two names side by side is listed under both (seen
  *  from the root group, the blocks below "post" and below the group that it points to). The walk stops with a negative
- *  status beyond a depth or a number of links that no real file has (the limits are above 1,000 levels and 10^8 links).
+ *  status beyond 4,096 levels or 1,000,000,000 links, which no real file has.
  *
  *  The arrays belong to the caller, who frees them with free(). Arrays that are handed in must come from malloc(); they
  *  are enlarged with realloc() where they are too small, so pass them back in to list again.

@@ -4,11 +4,14 @@
 #include <array>
 #include <cerrno>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <ostream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -579,6 +582,8 @@ struct OpeningMode {
     std::int32_t option;
     unsigned access;
     const char* group;
+
+    friend std::ostream& operator<<(std::ostream& out, const OpeningMode& m) { return out << "mode " << m.option; }
 };
 
 class ModeThatOpens : public testing::TestWithParam<OpeningMode> {};

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <limits>
+#include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -371,6 +372,8 @@ struct NameCase {
     Text256 Search::*criterion;
     const char* attribute;
     Keys tested;
+
+    friend std::ostream& operator<<(std::ostream& out, const NameCase& c) { return out << c.title; }
 };
 
 class NameCriterion : public SearchTest, public testing::WithParamInterface<NameCase> {};
@@ -416,6 +419,8 @@ struct PassCase {
     const char* title;
     Search criteria;
     Keys tested;
+
+    friend std::ostream& operator<<(std::ostream& out, const PassCase& c) { return out << c.title; }
 };
 
 class UntestedKinds : public SearchTest, public testing::WithParamInterface<PassCase> {};
