@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// kob_bench: the library's calls against hand-written plain HDF5 that makes the same files.
+#include "report.hpp"
+#include "rows.hpp"
+#include "same_file.hpp"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+
+namespace {
+
+using namespace bench;
+
+/// A folder for the files, removed at the end.
+class Scratch {
+public:
+    explicit Scratch(const std::filesystem::path& parent)
+    {
+        std::string name = (parent / "kob_bench_XXXXXX").string();
+        if (mkdtemp(name.data()) == nullptr) {
+            throw std::runtime_error{"cannot make a folder in " + parent.string()};
+        }
+        folder_ = name;
+    }
+    ~Scratch()
+    {
+        std::error_code ignored;
+        std::filesystem::remove_all(folder_, ignored);
+    }
+    Scratch(const Scratch&) = delete;
+    Scratch& operator=(const Scratch&) = delete;
+
+    [[nodiscard]] std::string file(const std::string& name) const { return (folder_ / name).string(); }
+
+private:
+    std::filesystem::path folder_;
+};
+
+/// Both programs in turn, the first one changing from run to run, so that a slow spell of the machine meets both.
+Result measure_row(const Row& row, int count, const Scratch& scratch)
+{
+    Result result{row, {}, {}};
+    const std::string input = scratch.file("input.kob");
+    if (row.kind != Row::Kind::write) {
+        run_apart(raw.write(row.set, input, nullptr));
+    }
+    const auto run_once = [&](const Program& program, Runs& runs, const char* output) {
+        const std::string file = row.kind == Row::Kind::write ? scratch.file(output) : input;
+        if (row.kind == Row::Kind::write) {
+            std::filesystem::remove(file);
+        }
+        runs.samples.push_back(measure([&] { return row.task_of(program)(row.set, file, nullptr); }));
+        runs.file_bytes = std::filesystem::file_size(file);
+    };
+    for (int i = 0; i < count; ++i) {
+        if (i % 2 == 0) {
+            run_once(raw, result.raw, "raw.kob");
+            run_once(ours, result.ours, "ours.kob");
+        } else {
+            run_once(ours, result.ours, "ours.kob");
+            run_once(raw, result.raw, "raw.kob");
+        }
+    }
+    for (const char* name : {"input.kob", "raw.kob", "ours.kob"}) {
+        std::filesystem::remove(scratch.file(name));
+    }
+    return result;
+}
+
+int measure_all(const std::vector<Row>& chosen, int count, const Scratch& scratch, const std::string& json_file)
+{
+    std::vector<Result> results;
+    bool hold = true;
+    print_head();
+    for (const Row& row : chosen) {
+        results.push_back(measure_row(row, count, scratch));
+        print_line(results.back());
+        hold = hold && results.back().holds();
+    }
+    if (!json_file.empty()) {
+        std::ofstream file{json_file};
+        file << json_text(results) << std::flush;
+        if (!file) {
+            throw std::runtime_error{"cannot write " + json_file};
+        }
+    }
+    return hold ? 0 : 1;
+}
+
+/// Do both programs make the same file, and find the same in it?
+int verify_all(const std::vector<Row>& chosen, const Scratch& scratch)
+{
+    int failures = 0;
+    const auto report = [&](const std::string& name, const std::vector<std::string>& lines) {
+        fmt::print("{}: {}\n", name, lines.empty() ? "same" : "DIFFERENT");
+        for (const std::string& line : lines) {
+            fmt::print("    {}\n", line);
+        }
+        failures += lines.empty() ? 0 : 1;
+    };
+    for (const Row& row : chosen) {
+        const std::string of_ours = scratch.file("ours.kob");
+        const std::string of_raw = scratch.file("raw.kob");
+        ours.write(row.set, of_ours, nullptr)();
+        raw.write(row.set, of_raw, nullptr)();
+        if (row.kind == Row::Kind::write) {
+            report(row.name, differences(of_ours, of_raw));
+            continue;
+        }
+        const Digest nothing;
+        Digest by_ours;
+        Digest by_raw;
+        // Crosswise: each reads what the other wrote.
+        row.task_of(ours)(row.set, of_raw, &by_ours)();
+        row.task_of(raw)(row.set, of_ours, &by_raw)();
+        std::vector<std::string> lines;
+        if (by_ours.value() == nothing.value()) {
+            lines.emplace_back("nothing was found");
+        }
+        if (by_ours.value() != by_raw.value()) {
+            lines.emplace_back("our calls and plain HDF5 found different things");
+        }
+        report(row.name, lines);
+    }
+    return failures == 0 ? 0 : 1;
+}
+
+std::vector<Row> choose(const std::vector<Row>& all, const std::string& filter)
+{
+    std::vector<Row> chosen;
+    for (const Row& row : all) {
+        if (row.name.find(filter) != std::string::npos) {
+            chosen.push_back(row);
+        }
+    }
+    return chosen;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    CLI::App app{"Measures the library against hand-written plain HDF5 that makes the same files.\n"
+                 "Ends with 1 when a figure to hold is missed by more than the noise that was seen."};
+    int count = 5;
+    std::string filter;
+    std::string json_file;
+    std::filesystem::path folder = std::filesystem::temp_directory_path();
+    bool verify = false;
+    app.add_option("--runs", count, "Runs of each program; medians are shown")->check(CLI::PositiveNumber);
+    app.add_option("--filter", filter, "Only work whose name holds this text");
+    app.add_option("--json", json_file, "Also write everything, single runs included, to this file");
+    app.add_option("--dir", folder, "Folder for the files, about 0.5 GB")->check(CLI::ExistingDirectory);
+    app.add_flag("--verify", verify, "Measure nothing; check with tiny files that both programs do the same");
+    CLI11_PARSE(app, argc, argv);
+
+    try {
+        const std::vector<Row> chosen = choose(rows(verify ? Size::tiny : Size::real), filter);
+        if (chosen.empty()) {
+            fmt::print(stderr, "kob_bench: no work is called \"{}\"\n", filter);
+            return 2;
+        }
+        const Scratch scratch{folder};
+        return verify ? verify_all(chosen, scratch) : measure_all(chosen, count, scratch, json_file);
+    } catch (const std::exception& error) {
+        fmt::print(stderr, "kob_bench: {}\n", error.what());
+        return 3;
+    }
+}

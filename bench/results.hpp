@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Entity results of many states: one description, and the two programs that write, read and list them.
+#pragma once
+
+#include "measure.hpp"
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace bench {
+
+/// A name as blocks hold it: 256 characters, blank padded.
+using Text256 = std::array<char, 256>;
+Text256 text256(std::string_view text);
+
+/// A file of entity results: every variable in every state, all of one size.
+struct ResultSet {
+    std::int32_t states = 0;
+    std::vector<std::string> variables;
+    std::int32_t nent = 0;
+    std::int32_t ncoo = 0;
+    std::int32_t value_size = 8; ///< bytes of a stored value
+};
+
+/// What a caller holds of one block; the arrays serve all blocks, the values of each state differ in their first row.
+struct Block {
+    explicit Block(const ResultSet& set);
+    void select(const ResultSet& set, std::int32_t state, std::size_t variable);
+
+    Text256 etyp = text256("NODE");
+    Text256 etypvar = text256("");
+    Text256 etypzone = text256("");
+    Text256 etypframe = text256("");
+    std::int32_t nent = 0;
+    std::int32_t ncoo = 0;
+    std::int32_t zoneid = -1;
+    std::int32_t fswitch = 0;
+    std::int32_t dmpswitch = 0;
+    std::int32_t nindex = 1;
+    std::int32_t indexic = 1;
+    std::int32_t indexident = 0;
+    double indexval = 0;
+    std::int32_t fidglob = 0;
+    std::vector<std::int32_t> entid;
+    std::vector<double> res;
+};
+
+/// Where the blocks of a state are, below the group of the result set, as "singlestate/state000000000012/...".
+std::string state_path(std::int32_t state);
+std::string path_of(const ResultSet& set, std::int32_t state, std::size_t variable);
+
+/// The numbers and texts that a reader found, in order: two readers of one file must have found the same.
+class Digest {
+public:
+    void add(const void* data, std::size_t bytes);
+    void add(const Block& block);
+    [[nodiscard]] std::uint64_t value() const { return value_; }
+
+private:
+    std::uint64_t value_ = 14695981039346656037U;
+};
+
+/// A way to do the work: with our calls, or by hand. A digest is filled if there is one; nobody is timed then.
+struct Program {
+    using Task = Work (*)(const ResultSet& set, const std::string& file, Digest* digest);
+
+    Task write;
+    Task read;
+    Task list;
+};
+
+extern const Program ours; ///< kob_dp.h
+extern const Program raw;  ///< plain HDF5, as little of it as makes the same file
+
+} // namespace bench

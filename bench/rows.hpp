@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The lines of the table: what is measured, and the figures to hold.
+#pragma once
+
+#include "results.hpp"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace bench {
+
+/// One line: the same work done by both programs on files of one kind.
+struct Row {
+    enum class Kind { write, read, list };
+
+    std::string name;
+    Kind kind;
+    ResultSet set;
+    double hold;        ///< largest ratio of our processor time to that of plain HDF5
+    double extra_bytes; ///< most memory that we may take beyond what plain HDF5 takes
+
+    [[nodiscard]] Program::Task task_of(const Program& program) const;
+};
+
+/// Real sizes, or tiny ones of the same kinds, to see whether both programs still do the same.
+enum class Size { real, tiny };
+std::vector<Row> rows(Size size);
+
+} // namespace bench
