@@ -8,6 +8,7 @@
 #include "kob_text.hpp"
 
 #include <algorithm>
+#include <vector>
 
 namespace kob {
 namespace {
@@ -22,49 +23,71 @@ constexpr std::int32_t invalid_length = -40;
 constexpr std::int32_t empty_name = -50;
 } // namespace group_status
 
-/// Calls `visit(prefix)` for every prefix of the path that ends before a "/", and for the whole path, until it
-/// returns false. An empty level (a leading or a doubled "/") and "." name no group of their own.
-template <class Visit> bool for_each_level(const std::string& path, Visit&& visit)
+/// One level of a path: its own name, and how long the path down to it is.
+struct Level {
+    std::string name;
+    std::size_t end;
+};
+
+/// The levels from the outermost to the whole path. An empty level (a leading or a doubled "/") and "." name no group
+/// of their own.
+std::vector<Level> levels_of(const std::string& path)
 {
+    std::vector<Level> levels;
     std::size_t begin = 0;
     while (begin <= path.size()) {
         const std::size_t end = std::min(path.find('/', begin), path.size());
         const std::size_t length = end - begin;
-        const bool is_level = length > 0 && path.compare(begin, length, ".") != 0;
-        if (is_level && !visit(path.substr(0, end), path.substr(begin, length))) {
-            return false;
+        if (length > 0 && path.compare(begin, length, ".") != 0) {
+            levels.push_back({path.substr(begin, length), end});
         }
         begin = end + 1;
     }
-    return true;
+    return levels;
 }
 
 OpenedGroup failed(std::int32_t status) { return {Id{}, status}; }
 
+Id open_path(hid_t parent, const std::string& path) { return {H5Gopen2(parent, path.c_str(), H5P_DEFAULT), H5Gclose}; }
+
+// A new block mostly joins others: all but the last two levels of its path are there, and one call opens them.
+constexpr std::size_t levels_expected_missing = 2;
+
+/// Opens the group that lies deepest on the path, as far as one can tell from opening. `depth` counts its level.
+Id deepest_parent(hid_t parent, const std::string& path, const std::vector<Level>& levels, std::size_t& depth)
+{
+    for (depth = levels.size() - std::min(levels.size(), levels_expected_missing); depth > 0; --depth) {
+        if (Id group = open_path(parent, path.substr(0, levels[depth - 1].end))) {
+            return group;
+        }
+    }
+    return open_path(parent, !path.empty() && path.front() == '/' ? "/" : ".");
+}
+
 OpenedGroup create_levels(hid_t parent, const std::string& path, LevelProperties properties)
 {
+    const std::vector<Level> levels = levels_of(path);
+    std::size_t depth = 0;
+    Id group = deepest_parent(parent, path, levels, depth);
     std::int32_t created = 0;
-    std::string refused;
-    const bool complete = for_each_level(path, [&](const std::string& prefix, const std::string& level) {
-        if (has_link(parent, prefix.c_str())) {
-            return true;
+    for (; depth < levels.size(); ++depth) {
+        const Level& level = levels[depth];
+        // Below a new group there is nothing to look for.
+        if (created == 0 && has_link(group.get(), level.name.c_str())) {
+            group = open_path(group.get(), level.name);
+            continue;
         }
-        const Id wanted = properties != nullptr ? properties(level) : Id{};
-        const Id group{
-            H5Gcreate2(parent, prefix.c_str(), H5P_DEFAULT, wanted ? wanted.get() : H5P_DEFAULT, H5P_DEFAULT),
+        const Id wanted = properties != nullptr ? properties(level.name) : Id{};
+        Id next{
+            H5Gcreate2(group.get(), level.name.c_str(), H5P_DEFAULT, wanted ? wanted.get() : H5P_DEFAULT, H5P_DEFAULT),
             H5Gclose};
-        if (!group) {
-            refused = prefix;
-            return false;
+        if (!next) {
+            report_error(message::group_code, group_status::create_failed, path.substr(0, level.end).c_str());
+            return failed(group_status::create_failed);
         }
+        group = std::move(next);
         ++created;
-        return true;
-    });
-    if (!complete) {
-        report_error(message::group_code, group_status::create_failed, refused.c_str());
-        return failed(group_status::create_failed);
     }
-    Id group{H5Gopen2(parent, path.c_str(), H5P_DEFAULT), H5Gclose};
     if (!group) {
         report_error(message::group_code, group_status::created_path_not_opened, path.c_str());
         return failed(group_status::created_path_not_opened);
@@ -89,15 +112,12 @@ OpenedGroup open_group(hid_t parent, const std::string& path, std::int32_t iofla
         report_error(message::group_invalid_ioflag, ioflag);
         return failed(group_status::invalid_ioflag);
     }
-    if (ioflag == io_flag::open_levels &&
-        !for_each_level(path, [&](const std::string& prefix, const std::string&) { return exists(parent, prefix); })) {
-        return failed(group_status::missing);
-    }
-    if (!exists(parent, path)) {
-        return failed(group_status::missing);
-    }
-    Id group{H5Gopen2(parent, path.c_str(), H5P_DEFAULT), H5Gclose};
+    // A path that opens has all its levels; only one that doesn't is looked into.
+    Id group = open_path(parent, path);
     if (!group) {
+        if (!exists(parent, path)) {
+            return failed(group_status::missing);
+        }
         if (ioflag == io_flag::open) {
             report_error(message::group_code_quoted, group_status::not_opened, path.c_str());
         } else {
