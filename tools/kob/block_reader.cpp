@@ -169,14 +169,16 @@ Item& BlockScan::add(std::string_view name, Stored stored, Type type, std::int32
 void BlockScan::claim(Item& item, std::int64_t rows)
 {
     const std::int64_t count = product(rows, item.row_length());
-    if (product(count, element_size(item)) > memory_limit())
-        refuse(fmt::format("\"{}\" claims {}, more than this machine's memory", item.name,
-                           bytes_text(product(count, element_size(item)))));
+    const std::int64_t bytes = product(count, element_size(item));
+    if (bytes > memory_limit() - claimed_)
+        refuse(fmt::format("\"{}\" claims {}, which is more than the memory of this machine leaves", item.name,
+                           bytes_text(bytes)));
+    claimed_ += bytes;
     item.rows = rows;
     const auto size = static_cast<std::size_t>(count);
     switch (item.type) {
     case Type::text:
-        item.values = Buffer<char>{static_cast<std::size_t>(product(count, item.width))};
+        item.values = Buffer<char>{static_cast<std::size_t>(bytes)};
         break;
     case Type::int32:
         item.values = Buffer<std::int32_t>{size};

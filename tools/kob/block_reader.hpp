@@ -169,6 +169,7 @@ private:
     const std::int64_t* handle_;
     Depth depth_;
     std::int64_t rows_;
+    std::int64_t claimed_ = 0; ///< bytes of all values so far
 };
 
 /// The items by which a block belongs to a state.

@@ -45,7 +45,7 @@ int main(int argc, char** argv)
     add_info(app, exit_code);
     add_ls(app, exit_code);
     add_show(app, exit_code);
-    if (add_import) add_import(app, exit_code);
+    add_import(app, exit_code);
 
     if (const char* word = first_word(argc, argv)) {
         const std::vector<std::string> verbs = verb_names(app);

@@ -15,6 +15,6 @@ constexpr int exit_cannot_read = 3; ///< an input cannot be read, or an output c
 void add_ls(CLI::App& app, int& exit_code);
 void add_show(CLI::App& app, int& exit_code);
 void add_info(CLI::App& app, int& exit_code);
-[[gnu::weak]] void add_import(CLI::App& app, int& exit_code);
+void add_import(CLI::App& app, int& exit_code);
 
 } // namespace kob::program
