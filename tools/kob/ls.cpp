@@ -80,75 +80,89 @@ std::vector<std::int32_t> wanted_keys(const std::vector<std::string>& words)
     return keys;
 }
 
-/// One line of the table; without a block where only the key and the path are known.
+/// What the listing tells of a block that was read.
+struct Facts {
+    std::string entity;
+    std::string variable;
+    std::string zone;
+    std::optional<std::int64_t> zoneid;
+    std::vector<std::int64_t> index_identifiers;
+    std::vector<double> index_values;
+    std::vector<std::int64_t> shape; ///< of the main array; empty when the kind has none
+    std::int64_t bytes;
+};
+
+/// One line of the table; without facts where only the key and the path are known.
 struct Row {
     Entry entry;
     const Kind* kind;
-    std::optional<Block> block;
+    std::optional<Facts> facts;
 };
+
+Facts facts_of(const Block& block)
+{
+    const Kind& kind = *block.kind;
+    Facts facts{.entity = block.text(kind.entity),
+                .variable = block.text(kind.variable),
+                .zone = block.text("etypzone"),
+                .zoneid = std::nullopt,
+                .index_identifiers = {},
+                .index_values = {},
+                .shape = {},
+                .bytes = block.bytes()};
+    if (block.find("zoneid") != nullptr) facts.zoneid = block.integer("zoneid", -1);
+    if (const Item* item = block.find("indexident"))
+        for (std::int64_t i = 0; i < item->read_count(); ++i) facts.index_identifiers.push_back(item->integer(i));
+    if (const Item* item = block.find("indexval"))
+        for (std::int64_t i = 0; i < item->read_count(); ++i) facts.index_values.push_back(item->real(i));
+    if (const Item* item = kind.main.empty() ? nullptr : block.find(kind.main)) facts.shape = item->shape;
+    return facts;
+}
 
 std::string join(const std::vector<std::int64_t>& numbers, std::string_view gap)
 {
     return fmt::format("{}", fmt::join(numbers, gap));
 }
 
-std::string size_text(const Row& row)
+std::string index_text(const Facts& facts)
 {
-    const Item* main = row.kind->main.empty() ? nullptr : row.block->find(row.kind->main);
-    return main == nullptr ? std::string{} : join(main->shape, " x ");
-}
-
-std::string index_text(const Block& block)
-{
-    const Item* values = block.find("indexval");
     std::string text;
-    for (std::int64_t i = 0; values != nullptr && i < values->read_count(); ++i)
-        text += (i > 0 ? ", " : "") + number_text(values->real(i));
+    for (const double value : facts.index_values) text += (text.empty() ? "" : ", ") + number_text(value);
     return text;
 }
 
-std::string zone_text(const Block& block)
+std::string zone_text(const Facts& facts)
 {
-    const std::string zone = block.text("etypzone");
-    const std::int64_t number = block.integer("zoneid", -1);
-    if (number < 0) return zone;
-    return fmt::format("{}{}{}", zone, zone.empty() ? "" : " ", number);
+    if (!facts.zoneid || *facts.zoneid < 0) return facts.zone;
+    return fmt::format("{}{}{}", facts.zone, facts.zone.empty() ? "" : " ", *facts.zoneid);
 }
 
-Json text_or_null(const Block& block, std::string_view name)
-{
-    const std::string text = block.text(name);
-    return text.empty() ? Json{} : Json(text);
-}
+template <class T> Json value_or_null(const T& value) { return value.empty() ? Json{} : Json(value); }
 
 Json describe(const Row& row)
 {
     Json json{{"number", row.entry.number}, {"key", row.entry.key}};
     json["kind"] = row.kind != nullptr ? Json(row.kind->name) : Json{};
     json["path"] = row.entry.path;
-    const std::vector<std::int64_t> state = state_numbers(row.entry);
-    json["state"] = state.empty() ? Json{} : Json(state);
-    if (!row.block) return json;
-    const Block& block = *row.block;
-    json["entity"] = text_or_null(block, row.kind->entity);
-    json["variable"] = text_or_null(block, row.kind->variable);
-    json["zone"] = text_or_null(block, "etypzone");
-    json["zoneid"] = block.find("zoneid") != nullptr ? Json(block.integer("zoneid", -1)) : Json{};
+    json["state"] = value_or_null(state_numbers(row.entry));
+    if (!row.facts) return json;
+    const Facts& facts = *row.facts;
+    json["entity"] = value_or_null(facts.entity);
+    json["variable"] = value_or_null(facts.variable);
+    json["zone"] = value_or_null(facts.zone);
+    json["zoneid"] = facts.zoneid ? Json(*facts.zoneid) : Json{};
     json["index"] = Json::array();
-    const Item* identifiers = block.find("indexident");
-    const Item* values = block.find("indexval");
-    for (std::int64_t i = 0; identifiers != nullptr && values != nullptr && i < values->read_count(); ++i)
-        json["index"].push_back({{"ident", identifiers->integer(i)}, {"value", values->real(i)}});
-    const Item* main = row.kind->main.empty() ? nullptr : block.find(row.kind->main);
-    json["shape"] = main != nullptr ? Json(main->shape) : Json{};
-    json["bytes"] = block.bytes();
+    for (std::size_t i = 0; i < facts.index_values.size() && i < facts.index_identifiers.size(); ++i)
+        json["index"].push_back({{"ident", facts.index_identifiers[i]}, {"value", facts.index_values[i]}});
+    json["shape"] = value_or_null(facts.shape);
+    json["bytes"] = facts.bytes;
     return json;
 }
 
 void print_table(const std::vector<Row>& rows, bool with_paths)
 {
     const bool path_column =
-        with_paths || std::any_of(rows.begin(), rows.end(), [](const Row& row) { return !row.block; });
+        with_paths || std::any_of(rows.begin(), rows.end(), [](const Row& row) { return !row.facts; });
     std::vector<std::string> titles{"NO",   "KEY",   "KIND",  "ENTITY", "VARIABLE",
                                     "ZONE", "STATE", "INDEX", "SIZE",   "BYTES"};
     if (path_column) titles.emplace_back("PATH");
@@ -158,15 +172,15 @@ void print_table(const std::vector<Row>& rows, bool with_paths)
         std::vector<std::string> cells{fmt::format("{}", row.entry.number), fmt::format("{}", row.entry.key),
                                        row.kind != nullptr ? std::string{row.kind->name} : "?"};
         const std::string state = join(state_numbers(row.entry), ",");
-        if (row.block) {
-            const Block& block = *row.block;
-            cells.insert(cells.end(), {printable(block.text(row.kind->entity)),
-                                       printable(block.text(row.kind->variable)), printable(zone_text(block)), state,
-                                       index_text(block), size_text(row), fmt::format("{}", block.bytes())});
+        if (row.facts) {
+            const Facts& facts = *row.facts;
+            cells.insert(cells.end(),
+                         {printable(facts.entity), printable(facts.variable), printable(zone_text(facts)), state,
+                          index_text(facts), join(facts.shape, " x "), fmt::format("{}", facts.bytes)});
         } else {
             cells.insert(cells.end(), {"", "", "", state, "", "", ""});
         }
-        if (path_column) cells.push_back(with_paths || !row.block ? printable(short_path(row.entry)) : "");
+        if (path_column) cells.push_back(with_paths || !row.facts ? printable(short_path(row.entry)) : "");
         table.add(std::move(cells));
     }
     table.print();
@@ -189,13 +203,13 @@ int list(const Options& options)
         Row row{entry, find_kind(entry.key), std::nullopt};
         const bool readable = row.kind != nullptr && row.kind->scan != nullptr && !file.older_layout();
         try {
-            if (readable) row.block = read_block(file, entry, Depth::index);
+            if (readable) row.facts = facts_of(read_block(file, entry, Depth::index));
         } catch (const Failure& failure) { // the others are still worth listing
             complain("kob ls", failure.what());
             exit_code = failure.exit_code;
         }
         if (!options.variables.empty()) {
-            const std::string variable = row.block ? row.block->text(row.kind->variable) : std::string{};
+            const std::string variable = row.facts ? row.facts->variable : std::string{};
             if (std::find(options.variables.begin(), options.variables.end(), variable) == options.variables.end())
                 continue;
         }
