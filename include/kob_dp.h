@@ -2393,6 +2393,65 @@ KOB_API void KOB_READ_SPARSEMATRIX(const int64_t* block, const int32_t* pass, ch
 
 /** @} */
 
+/** @defgroup tools Whole-file tools
+ *  Cut a file back, link files together, merge the files of a distributed run.
+ *  @{ */
+
+/** Erases every result that belongs to a state after the given index.
+ *
+ *  Blocks of one state after the index are deleted, and so are the groups that they leave empty. Multi-state entity
+ *  results are cut back to their leading states; other multi-state blocks are left alone. States are compared by their
+ *  index identifiers, the last one first: it is the most significant. A block with another number of index values is
+ *  kept, and so is one that cannot be read. A rewritten block keeps its path. A block that two names reach is handled
+ *  once; blocks behind an external link are kept, with one warning line. The space in the file is not given back.
+ *
+ *  The system block gets the local date and time as "mdate" and "mtime". Running out of memory ends the process with
+ *  exit code 1, as in every tool.
+ *  @param[in]  group   int64 [1], group of the open file
+ *  @param[in]  nindex  int32 [1], number of index values
+ *  @param[in]  index   int32 [nindex], identifiers of the last state to keep
+ *  @param[in]  verbose int32 [1], 1: banner and information lines; 2: also the block table and every deletion
+ *  @param[out] status  int32 [1], 0 done, or the file has no header or another major version (nothing is changed);
+ *                      -1 no blocks; -1000 a series without values; otherwise see @ref storage_codes and
+ *                      KOB_READ_INDEX(), KOB_READ_MULTIENTITYRESULTS(), KOB_WRITE_MULTIENTITYRESULTS2() */
+KOB_API void KOB_ERASE_STATES(const int64_t* group, const int32_t* nindex, const int32_t* index, const int32_t* verbose,
+                              int32_t* status);
+
+/** Links the contents of several groups, of any files, into one group.
+ *
+ *  Each link directly in a source group, but for "post", becomes an external link of the same name in the target. Where
+ *  a name is taken already the link is left out, with an error line; the first source wins.
+ *  @param[in]  sources int64 [n], groups whose contents are shown
+ *  @param[in]  target  int64 [1], group that shows them
+ *  @param[in]  n       int32 [1], number of source groups
+ *  @param[in]  name    char [256], group below the target for the links, made if missing; ends at a NUL, blanks at the
+ *                      end do not count; used with option 1
+ *  @param[in]  options int32 [1], bit 1: put the links into the group name
+ *  @param[in]  verbose int32 [1], above 0: one line for each link
+ *  @param[out] status  int32 [1], 0 done, even when single links failed; with option 1 what KOB_H5GOPEN() gives: the
+ *                      number of groups created, or its error */
+KOB_API void KOB_CREATE_EXTLINKS(const int64_t* sources, const int64_t* target, const int32_t* n, const char* name,
+                                 const int32_t* options, const int32_t* verbose, int32_t* status);
+
+/** Reads a parameter file: a variable name and its exponent for scale-offset compression on each line.
+ *
+ *  "$" and "#" begin a comment. A line that does not begin with a word and an integer is skipped. At most 299 characters
+ *  are read at a time; what follows in a longer line counts as a line of its own. Call with pass 0, make room, call with
+ *  pass 1. A name of more than 256 characters runs into the next field, the last one is cut; entries beyond count are
+ *  not stored.
+ *  @param[in]     path        char [], file name, NUL-terminated
+ *  @param[in]     path_length int32 by value, ignored
+ *  @param[in]     pass        int32 [1], 0: count the entries; 1: read them; others do nothing
+ *  @param[in,out] count       int32 [1], pass 0: number of entries; pass 1: fields of names, then entries stored
+ *  @param[out]    names       text256 [count], variable names; pass 1
+ *  @param[out]    exponents   int32 [count], decimal scale factors; pass 1
+ *  @param[in]     verbose     int32 [1], above 0: print the table
+ *  @param[out]    status      int32 [1], 0 read; -1 no such file, or not readable */
+KOB_API void KOB_READ_PARAM(const char* path, int32_t path_length, const int32_t* pass, int32_t* count, char* names,
+                            int32_t* exponents, const int32_t* verbose, int32_t* status);
+
+/** @} */
+
 #ifdef __cplusplus
 }
 #endif

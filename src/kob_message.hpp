@@ -84,6 +84,56 @@ constexpr char listing_head[] = "\n KOB INFO %s: %d blocks found - total path le
 constexpr char listing_columns[] = "      block:   blockkey path\n";
 constexpr char listing_row[] = " %10d: %10d \"%s\"\n";
 
+// tools
+constexpr char tool_border[] = "     +------------------------------------------------------+\n";
+constexpr char tool_title[] = "     |  %-52s|\n";
+constexpr char tool_compiled[] = "      Compiled    : %s %s\n";
+constexpr char tool_version[] = "      KOB Version : %d.%d.%d\n";
+constexpr char tool_short_version[] = "      Version: %d.%d.%d\n";
+constexpr char tool_memory[] = "\n     *** ERROR *** MEMORY ALLOCATION IN %s LINE %d\n";
+constexpr char tool_set_number[] = "warning - blockkey %d: could not identify set no in \"%s\" - assume 0.\n";
+constexpr char tool_state_number[] = "warning - blockkey %d: could not identify StateID  in \"%s\" - assume 0.\n";
+constexpr char tool_rule[] = " ----------------------------------------------------------------\n";
+constexpr char tool_blocktypes[] = "\n Number of blocktypes NBlockTypes: %d\n";
+constexpr char tool_block_key[] = " BlockKey   : %5d\n";
+constexpr char tool_block[] = " %10d : %10d (key %5d) \"%s\"\n";
+constexpr char tool_block_path[] = " Block Path: \"%s\"\n";
+constexpr char tool_reading[] = "\nKOB ERROR reading \"%s\" block pass %d - error code = %d \n";
+constexpr char tool_writing[] = "\nKOB ERROR writing \"%s\" block - error code = %d\n";
+constexpr char tool_incompatible[] = "\nKOB ERROR - incompatible file - error code = %d\n";
+
+// state eraser
+constexpr char erase_index[] = "KOB INFO - erase all data after index:";
+constexpr char erase_no_blocks[] = "\nKOB ERROR - no KOB blocks found - error code = %d\n";
+constexpr char erase_blocks_found[] = " Info    : %d KOB blocks found\n";
+constexpr char erase_no_header[] = "\nKOB ERROR header not found\n";
+constexpr char erase_multiple_headers[] = "KOB WARNING multiple \"%s\"s!\n";
+constexpr char erase_wrong_version[] = "KOB ERROR - incompatible file - KOB version: %d.%d.%d\n";
+constexpr char erase_version_ok[] = "KOB INFO - compatibility check OK - KOB version: %d.%d.%d\n";
+constexpr char erase_block_missing[] = "\nKOB WARNING \"%s\" block not found\n";
+constexpr char erase_multiple_blocks[] = "\nKOB WARNING multiple \"%s\" blocks\n";
+constexpr char erase_failed[] = " erase of block \"%s\" failed\n";
+constexpr char erase_deleted[] = " erase of block \"%s\"\n";
+constexpr char erase_single_state[] = "KOB INFO - %d singlestate blocks deleted\n";
+constexpr char erase_unknown_size[] = "\nKOB ERROR reading \"%s\" block - unknown datasize - error code = %d\n";
+constexpr char erase_rewritten[] = "\nKOB INFO - %d \"%s\" blocks rewritten\n";
+constexpr char erase_linked_kept[] = "KOB WARNING - kob_erase_states - %d blocks in linked files are kept\n";
+constexpr char erase_done[] = "\nKOB state eraser successfully passed.\n\n";
+
+// external links
+constexpr char link_in_group[] = "create link \"%s/%s\" --> file/group:  \"%s%s\"\n";
+constexpr char link_made[] = "create link \"%s\" --> file/group:  \"%s\"\"%s\"\n";
+constexpr char link_failed[] = "\nKOB ERROR - could not create external link \"%s\"\n";
+constexpr char link_done[] = "\n KOB external links successfully created.\n\n";
+
+// parameter file
+constexpr char param_no_file[] = "Fatal error: Cannot open or find file \"%s\".\n";
+constexpr char param_table[] = "\n Table: Exponents per variable for scaleoffset compression filters\n";
+constexpr char param_count[] = "\n   Number of variables found in parameter file: %d\n\n";
+constexpr char param_border[] = "   +----------+-------------------------------------------------\n";
+constexpr char param_title[] = "   | exponent | variable\n";
+constexpr char param_row[] = "   %10d | \"%s\"\n";
+
 // storage helpers
 constexpr char attribute_write[] =
     "KOB INTERNAL ERROR (%d) in KOB_H5Awrite - name, kob_type, data_size, kob_size, error: %s %d %zu %zu %d\n";

@@ -99,6 +99,9 @@ bool has_link(hid_t location, const char* name) noexcept;
 /// Elements of a stored dataset, or -1 when there is none of that name.
 std::int64_t count_elements(hid_t location, const char* name) noexcept;
 
+/// Bytes of one element of a stored dataset, or -1 when there is none of that name.
+std::int64_t element_size(hid_t location, const char* name) noexcept;
+
 /// Is there an attribute of this name?
 bool has_attribute(hid_t location, const char* name) noexcept;
 

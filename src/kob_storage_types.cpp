@@ -165,6 +165,16 @@ std::int64_t count_elements(hid_t location, const char* name) noexcept
     return H5Sget_simple_extent_npoints(space.get());
 }
 
+std::int64_t element_size(hid_t location, const char* name) noexcept
+{
+    if (!has_link(location, name)) {
+        return -1;
+    }
+    const Id dataset{H5Dopen2(location, name, H5P_DEFAULT), H5Dclose};
+    const Id type{H5Dget_type(dataset.get()), H5Tclose};
+    return type ? static_cast<std::int64_t>(H5Tget_size(type.get())) : -1;
+}
+
 bool has_attribute(hid_t location, const char* name) noexcept { return H5Aexists(location, name) > 0; }
 
 herr_t share_link(hid_t from, hid_t to, const char* name) noexcept

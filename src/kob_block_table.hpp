@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The blocks of a file as the tools see them: listed, numbered, grouped by key.
+#pragma once
+
+#include <hdf5.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace kob {
+
+/// One block of a file.
+struct TableEntry {
+    std::string path;
+    std::int32_t key = 0;
+    std::int32_t set = 0;   ///< number behind the last "_set" of the path, 0 without one
+    std::int32_t state = 0; ///< number behind the last "/state" of the path, 0 without one
+    bool is_linked = false; ///< lies in another file, behind an external link
+};
+
+/// All blocks of one key, as positions in the table.
+struct KeyGroup {
+    std::int32_t key = 0;
+    std::vector<std::int32_t> blocks;
+};
+
+/// All blocks below a group. A block that two names reach is listed once, under the first.
+class BlockTable {
+public:
+    /// Lists the blocks. False when the listing failed or found none.
+    bool list(hid_t group);
+
+    /// Reads the set numbers, and on request the state numbers, out of the paths; warns of those it cannot read.
+    void read_numbers(bool with_states);
+
+    [[nodiscard]] const std::vector<TableEntry>& entries() const { return entries_; }
+    [[nodiscard]] std::int32_t found() const { return found_; } ///< blocks listed, second names included
+
+    /// Distinct keys in ascending order with their blocks.
+    [[nodiscard]] const std::vector<KeyGroup>& groups() const { return groups_; }
+
+    /// The blocks of a key; empty when there are none.
+    [[nodiscard]] const std::vector<std::int32_t>& of_key(std::int32_t key) const;
+
+    /// The table by key, on standard output.
+    void say_by_key() const;
+
+private:
+    void group_by_key();
+
+    std::vector<TableEntry> entries_;
+    std::vector<KeyGroup> groups_;
+    std::int32_t found_ = 0;
+};
+
+/// Three numbers of a version text; -1 for those that are not there. True when there are three.
+bool read_version(const char* text, std::int32_t& major, std::int32_t& minor, std::int32_t& release);
+
+} // namespace kob
