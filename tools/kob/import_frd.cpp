@@ -322,10 +322,11 @@ void FrdImport::plan_variables()
 
 void FrdImport::plan_scales()
 {
-    for (const auto& [name, digits] : options_.storage.scale) {
-        if (std::none_of(variables_.begin(), variables_.end(), [&](const auto& v) { return v.key == name; })) {
-            warnings_.push_back(fmt::format("--scale {}={}: the file has no such result", printable(name), digits));
-        }
+    for (const auto& scale : options_.storage.scale) {
+        const auto is_meant = [&](const Variable& v) { return v.key == scale.first; };
+        if (std::any_of(variables_.begin(), variables_.end(), is_meant)) continue;
+        warnings_.push_back(
+            fmt::format("--scale {}={}: the file has no such result", printable(scale.first), scale.second));
     }
 }
 
