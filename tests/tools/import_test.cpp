@@ -225,7 +225,7 @@ TEST(Import, stores_as_it_is_told)
     const std::string header = "  100CL  101 1.000000000          50                     0    1           1\n";
     std::string text = head + mesh;
     for (const char* name : {"NDTEMP", "ENER"}) {
-        text += header + fmt::format(" -4  {0:8}    1    1\n -5  {0:8}    1    1    0    0\n", name) + rows + " -3\n";
+        text += fmt::format("{0} -4  {1:8}    1    1\n -5  {1:8}    1    1    0    0\n{2} -3\n", header, name, rows);
     }
     const auto block = [](const Case& c, const std::string& name) {
         return read_entity_results(KobFile{c.kob(), read_only},
@@ -310,11 +310,11 @@ TEST(Import, names_what_it_leaves_out)
 TEST(Import, of_a_broken_file_names_the_line_and_leaves_nothing)
 {
     const std::string good = head + mesh + scalar("A", 0, 1, "1.000000000");
+    const std::string bad_value = head + mesh + scalar("A", 0, 1, "1.000000000", "1.0x") + end;
     for (const auto& [text, message] : std::vector<std::pair<std::string, std::string>>{
              {good, "line 23: the file ends without the end record 9999"},
              {good.substr(0, good.size() - 10), "line 22: the file ends inside result A of line 17"},
-             {head + mesh + scalar("A", 0, 1, "1.000000000", "1.0x") + end,
-              "line 20: a value of result A is no number"},
+             {bad_value, "line 20: a value of result A is no number"},
              {"", "line 1: the file is empty"},
              {"something else\n", "line 1: this is no result file"}}) {
         const Case c{text};
