@@ -179,10 +179,6 @@ std::int32_t write_series(hid_t block, const MultiEntityResults<Writer>& b, cons
         report_error(message::writing_name, kind.name);
         return static_cast<std::int32_t>(block);
     }
-    if (!Part{request.mode}.is_known()) {
-        report_error(message::writing_named_invalid_mode, kind.name, request.mode);
-        return invalid_mode;
-    }
     const ValueSize size = value_size_of(value_size);
     Writer io{block, filters, size.stored, place};
     const bool is_new = place == Place::fresh || !has_link(block, "entid");
@@ -193,9 +189,13 @@ std::int32_t write_series(hid_t block, const MultiEntityResults<Writer>& b, cons
             identifiers(io, b.table);
         }
         io.forget_extent();
-    } else {
+    } else if (has_attribute(block, "nstate")) { // a first write that failed left none
         const hsize_t one = 1;
         io.fail(KOB_H5Aread("nstate", &nstate, type_code::integer, sizeof nstate, &one, 0, block, nullptr));
+    }
+    if (io.ok() && !Part{request.mode}.is_known()) {
+        report_error(message::writing_named_invalid_mode, kind.name, request.mode);
+        io.fail(invalid_mode);
     }
     if (io.ok()) {
         write_states(io, b, size.complex, request);

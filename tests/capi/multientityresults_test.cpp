@@ -280,7 +280,7 @@ TEST(MultiEntityResults, ValueSizeChoosesKeyAndPrecision)
     };
     for (const Case c : {Case{4, read_real, true}, Case{8, read_real, false}, Case{16, read_complex, true},
                          Case{32, read_complex, false}, Case{0, read_real, false}, Case{12, read_real, false},
-                         Case{-8, read_real, false}}) {
+                         Case{64, read_real, false}}) {
         SCOPED_TRACE(c.value_size);
         KobFile file;
         MultiEntityResults written{2, c.value_size};
@@ -610,19 +610,19 @@ TEST(MultiEntityResultsSelection, FourByteInputInABlock)
 
 TEST(MultiEntityResultsSelection, ABlockOutsideIsRefused)
 {
-    for (const bool existing : {false, true}) {
-        SCOPED_TRACE(existing);
-        KobFile file;
-        MultiEntityResults call{2};
-        if (existing) {
-            ASSERT_EQ(call.write(file), fine);
+    // a state before the first, an entity too many, a component before the first
+    for (const std::vector<std::int64_t>& start : {std::vector<std::int64_t>{-1, 0, 0}, {0, 1, 0}, {0, 0, -1}}) {
+        for (const bool existing : {false, true}) {
+            SCOPED_TRACE(existing);
+            KobFile file;
+            MultiEntityResults call{2};
+            if (existing) {
+                ASSERT_EQ(call.write(file), fine);
+            }
+            call.hold(1).select(1, {1, 3, 2}, start);
+            EXPECT_EQ(call.write_c(file).status, -6031);
+            EXPECT_EQ(has_link(file.block(place), "res"), existing);
         }
-        call.hold(1).select(1, {1, 3, 2}, {-1, 0, 0});
-        EXPECT_EQ(call.write_c(file).status, -6031) << "a state before the first";
-        call.select(1, {1, 3, 2}, {0, 1, 0});
-        EXPECT_EQ(call.write_c(file).status, -6031) << "an entity too many";
-        call.select(1, {1, 3, 2}, {0, 0, -1});
-        EXPECT_EQ(call.write_c(file).status, -6031) << "a component before the first";
     }
 }
 
@@ -705,21 +705,31 @@ TEST(MultiEntityResultsSelection, ComplexPointsHaveFourCoordinates)
 
 TEST(MultiEntityResultsSelection, APointOutsideIsRefused)
 {
-    for (const bool existing : {false, true}) {
-        SCOPED_TRACE(existing);
-        KobFile file;
-        MultiEntityResults call{2};
-        if (existing) {
-            ASSERT_EQ(call.write(file), fine);
-        }
-        call.hold(2);
-        for (const auto& point : std::vector<std::vector<std::int64_t>>{{0, 3, 0}, {1, 0, 2}, {0, -1, 0}}) {
-            call.select(2, {1}, point);
+    for (const std::vector<std::int64_t>& points :
+         {std::vector<std::int64_t>{0, 3, 0}, {1, 0, 2}, {0, -1, 0}, {-1, 0, 0, 1, 0, 0}}) {
+        for (const bool existing : {false, true}) {
+            SCOPED_TRACE(existing);
+            KobFile file;
+            MultiEntityResults call{2};
+            if (existing) {
+                ASSERT_EQ(call.write(file), fine);
+            }
+            call.hold(2).select(2, {static_cast<std::int64_t>(points.size()) / 3}, points);
             EXPECT_EQ(call.write_c(file).status, -6032);
+            EXPECT_EQ(has_link(file.block(place), "res"), existing);
         }
-        call.select(2, {2}, {-1, 0, 0, 1, 0, 0});
-        EXPECT_EQ(call.write_c(file).status, -6032) << "a state before the first";
     }
+}
+
+TEST(MultiEntityResultsSelection, AFailedFirstWriteMayBeTriedAgain)
+{
+    KobFile file;
+    MultiEntityResults call{2};
+    call.select(1, {1, 3, 2}, {0, 1, 0});
+    ASSERT_EQ(call.write_c(file).status, -6031);
+    call.s = 2;
+    ASSERT_EQ(call.write(file), fine);
+    EXPECT_EQ(listing(everything(file, call)), listing(all_of(call)));
 }
 
 TEST(MultiEntityResultsSelection, AnUnknownModeIsRefused)
@@ -731,7 +741,12 @@ TEST(MultiEntityResultsSelection, AnUnknownModeIsRefused)
         const std::string line =
             "KOB ERROR writing block multientityresults - invalid mode " + std::to_string(mode) + "\n";
         EXPECT_EQ(call.write_c(file), (Outcome{-999, line}));
-        EXPECT_FALSE(has_link(file.block(place), "res"));
+        const auto block = file.block(place);
+        EXPECT_EQ(link_names(block), (std::vector<std::string>{"entid", "fidglob"})) << "the static part stays";
+        EXPECT_EQ(stored_ints(block, "block"), Ints{read_real});
+        call.s = 1;
+        EXPECT_EQ(call.write(file), fine);
+        EXPECT_EQ(listing(everything(file, call)), listing(all_of(call)));
     }
 }
 
@@ -758,12 +773,12 @@ TEST(MultiEntityResultsSelection, ModeZeroAndRunsOfStatesAreThePlainCall)
     std::int32_t status = 77;
     MultiEntityResults null;
     null.one_at(1);
-    KOB_WRITE_MULTIENTITYRESULTC(file.address(), null.series.data(), null.etyp.data(), &null.nent,
-                                 null.etypvar.data(), &null.ncoo, null.etypzone.data(), &null.zoneid,
-                                 null.etypframe.data(), &null.fswitch, &null.dmpswitch, &null.nindex,
-                                 null.indexident.data(), null.indexval.data(), null.entid.data(), &null.fidglob,
-                                 nullptr, nullptr, nullptr, null.res.data(), &null.set, &null.s, &null.filter_flags,
-                                 null.filter_params.data(), &null.value_size, &null.mode, nullptr, nullptr, &status);
+    KOB_WRITE_MULTIENTITYRESULTC(file.address(), null.series.data(), null.etyp.data(), &null.nent, null.etypvar.data(),
+                                 &null.ncoo, null.etypzone.data(), &null.zoneid, null.etypframe.data(), &null.fswitch,
+                                 &null.dmpswitch, &null.nindex, null.indexident.data(), null.indexval.data(),
+                                 null.entid.data(), &null.fidglob, nullptr, nullptr, nullptr, null.res.data(),
+                                 &null.set, &null.s, &null.filter_flags, null.filter_params.data(), &null.value_size,
+                                 &null.mode, nullptr, nullptr, &status);
     EXPECT_EQ(status, 0) << "arrays that no switch asks for may be null";
 }
 
@@ -1086,9 +1101,9 @@ TEST(MultiEntityResultsReaders, SectionsOneByOne)
     for (std::int32_t sections = 0; sections < 16; ++sections) {
         SCOPED_TRACE(sections);
         auto got = untouched(written);
-        for (const auto field : {&MultiEntityResults::nent, &MultiEntityResults::ncoo, &MultiEntityResults::nindex,
-                                 &MultiEntityResults::nstate, &MultiEntityResults::fswitch,
-                                 &MultiEntityResults::dmpswitch}) {
+        for (const auto field :
+             {&MultiEntityResults::nent, &MultiEntityResults::ncoo, &MultiEntityResults::nindex,
+              &MultiEntityResults::nstate, &MultiEntityResults::fswitch, &MultiEntityResults::dmpswitch}) {
             got.*field = written.*field;
         }
         auto expected = got;

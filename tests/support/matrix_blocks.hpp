@@ -70,9 +70,9 @@ struct DenseMatrix : Matrix {
     Outcome read(std::int64_t block, std::int32_t pass)
     {
         return outcome_of([&](std::int32_t* status) {
-            KOB_READ_DENSEMATRIX(&block, &pass, etyp.data(), &entid, etypvar.data(), &nrow, &ncolumn, &nindex,
-                                 &indexic, indexident.data(), indexval.data(), val.data(), &filter_flags,
-                                 filter_params.data(), count.data(), start.data(), status, text_length, text_length);
+            KOB_READ_DENSEMATRIX(&block, &pass, etyp.data(), &entid, etypvar.data(), &nrow, &ncolumn, &nindex, &indexic,
+                                 indexident.data(), indexval.data(), val.data(), &filter_flags, filter_params.data(),
+                                 count.data(), start.data(), status, text_length, text_length);
         });
     }
 };
@@ -80,19 +80,18 @@ struct DenseMatrix : Matrix {
 inline auto fields_of(const DenseMatrix* /*unused*/)
 {
     using B = DenseMatrix;
-    return std::make_tuple(
-        Field<B, Text256>{"etyp", section::attributes, &B::etyp},
-        Field<B, std::int32_t>{"entid", section::attributes, &B::entid},
-        Field<B, Text256>{"etypvar", section::attributes, &B::etypvar},
-        Field<B, std::int32_t>{"nrow", section::attributes, &B::nrow},
-        Field<B, std::int32_t>{"ncolumn", section::attributes, &B::ncolumn},
-        Field<B, std::int32_t>{"nindex", section::attributes, &B::nindex},
-        Field<B, std::int32_t>{"indexic", section::attributes, &B::indexic},
-        Field<B, std::vector<std::int32_t>>{"indexident", section::index, &B::indexident},
-        Field<B, std::vector<double>>{"indexval", section::index, &B::indexval},
-        Field<B, std::vector<double>>{"val", section::values, &B::val},
-        Field<B, std::int32_t>{"filter_flags", section::filters, &B::filter_flags},
-        Field<B, std::array<std::int32_t, 2>>{"filter_params", section::filters, &B::filter_params});
+    return std::make_tuple(Field<B, Text256>{"etyp", section::attributes, &B::etyp},
+                           Field<B, std::int32_t>{"entid", section::attributes, &B::entid},
+                           Field<B, Text256>{"etypvar", section::attributes, &B::etypvar},
+                           Field<B, std::int32_t>{"nrow", section::attributes, &B::nrow},
+                           Field<B, std::int32_t>{"ncolumn", section::attributes, &B::ncolumn},
+                           Field<B, std::int32_t>{"nindex", section::attributes, &B::nindex},
+                           Field<B, std::int32_t>{"indexic", section::attributes, &B::indexic},
+                           Field<B, std::vector<std::int32_t>>{"indexident", section::index, &B::indexident},
+                           Field<B, std::vector<double>>{"indexval", section::index, &B::indexval},
+                           Field<B, std::vector<double>>{"val", section::values, &B::val},
+                           Field<B, std::int32_t>{"filter_flags", section::filters, &B::filter_flags},
+                           Field<B, std::array<std::int32_t, 2>>{"filter_params", section::filters, &B::filter_params});
 }
 
 struct TriangularMatrix : Matrix {
@@ -105,9 +104,9 @@ struct TriangularMatrix : Matrix {
     {
         return outcome_of([&](std::int32_t* status) {
             KOB_WRITE_TRIANGULARMATRIX(group, etyp.data(), &entid, etypvar.data(), &nsize, &matrixtype, &nindex,
-                                       &indexic, indexident.data(), indexval.data(), val.data(), &state,
-                                       &filter_flags, filter_params.data(), &value_size, &mode, count.data(),
-                                       start.data(), status, text_length, text_length);
+                                       &indexic, indexident.data(), indexval.data(), val.data(), &state, &filter_flags,
+                                       filter_params.data(), &value_size, &mode, count.data(), start.data(), status,
+                                       text_length, text_length);
         });
     }
     Outcome write(const KobFile& file) const { return write(file.address()); }
@@ -115,10 +114,10 @@ struct TriangularMatrix : Matrix {
     Outcome read(std::int64_t block, std::int32_t pass)
     {
         return outcome_of([&](std::int32_t* status) {
-            KOB_READ_TRIANGULARMATRIX(&block, &pass, etyp.data(), &entid, etypvar.data(), &nsize, &matrixtype,
-                                      &nindex, &indexic, indexident.data(), indexval.data(), val.data(),
-                                      &filter_flags, filter_params.data(), count.data(), start.data(), status,
-                                      text_length, text_length);
+            KOB_READ_TRIANGULARMATRIX(&block, &pass, etyp.data(), &entid, etypvar.data(), &nsize, &matrixtype, &nindex,
+                                      &indexic, indexident.data(), indexval.data(), val.data(), &filter_flags,
+                                      filter_params.data(), count.data(), start.data(), status, text_length,
+                                      text_length);
         });
     }
 };
@@ -126,19 +125,18 @@ struct TriangularMatrix : Matrix {
 inline auto fields_of(const TriangularMatrix* /*unused*/)
 {
     using B = TriangularMatrix;
-    return std::make_tuple(
-        Field<B, Text256>{"etyp", section::attributes, &B::etyp},
-        Field<B, std::int32_t>{"entid", section::attributes, &B::entid},
-        Field<B, Text256>{"etypvar", section::attributes, &B::etypvar},
-        Field<B, std::int32_t>{"nsize", section::attributes, &B::nsize},
-        Field<B, std::int32_t>{"matrixtype", section::attributes, &B::matrixtype},
-        Field<B, std::int32_t>{"nindex", section::attributes, &B::nindex},
-        Field<B, std::int32_t>{"indexic", section::attributes, &B::indexic},
-        Field<B, std::vector<std::int32_t>>{"indexident", section::index, &B::indexident},
-        Field<B, std::vector<double>>{"indexval", section::index, &B::indexval},
-        Field<B, std::vector<double>>{"val", section::values, &B::val},
-        Field<B, std::int32_t>{"filter_flags", section::filters, &B::filter_flags},
-        Field<B, std::array<std::int32_t, 2>>{"filter_params", section::filters, &B::filter_params});
+    return std::make_tuple(Field<B, Text256>{"etyp", section::attributes, &B::etyp},
+                           Field<B, std::int32_t>{"entid", section::attributes, &B::entid},
+                           Field<B, Text256>{"etypvar", section::attributes, &B::etypvar},
+                           Field<B, std::int32_t>{"nsize", section::attributes, &B::nsize},
+                           Field<B, std::int32_t>{"matrixtype", section::attributes, &B::matrixtype},
+                           Field<B, std::int32_t>{"nindex", section::attributes, &B::nindex},
+                           Field<B, std::int32_t>{"indexic", section::attributes, &B::indexic},
+                           Field<B, std::vector<std::int32_t>>{"indexident", section::index, &B::indexident},
+                           Field<B, std::vector<double>>{"indexval", section::index, &B::indexval},
+                           Field<B, std::vector<double>>{"val", section::values, &B::val},
+                           Field<B, std::int32_t>{"filter_flags", section::filters, &B::filter_flags},
+                           Field<B, std::array<std::int32_t, 2>>{"filter_params", section::filters, &B::filter_params});
 }
 
 struct SparseMatrix : Matrix {
@@ -153,9 +151,9 @@ struct SparseMatrix : Matrix {
     {
         return outcome_of([&](std::int32_t* status) {
             KOB_WRITE_SPARSEMATRIX(group, etyp.data(), &entid, etypvar.data(), &nrow, &nnz, &nindex, &indexic,
-                                   indexident.data(), indexval.data(), colind.data(), rowptr.data(), val.data(),
-                                   &state, &filter_flags, filter_params.data(), &value_size, &mode, count.data(),
-                                   start.data(), status, text_length, text_length);
+                                   indexident.data(), indexval.data(), colind.data(), rowptr.data(), val.data(), &state,
+                                   &filter_flags, filter_params.data(), &value_size, &mode, count.data(), start.data(),
+                                   status, text_length, text_length);
         });
     }
     Outcome write(const KobFile& file) const { return write(file.address()); }
@@ -165,8 +163,8 @@ struct SparseMatrix : Matrix {
         return outcome_of([&](std::int32_t* status) {
             KOB_READ_SPARSEMATRIX(&block, &pass, etyp.data(), &entid, etypvar.data(), &nrow, &nnz, &nindex, &indexic,
                                   indexident.data(), indexval.data(), colind.data(), rowptr.data(), val.data(),
-                                  &filter_flags, filter_params.data(), count.data(), start.data(), status,
-                                  text_length, text_length);
+                                  &filter_flags, filter_params.data(), count.data(), start.data(), status, text_length,
+                                  text_length);
         });
     }
 };
@@ -174,21 +172,20 @@ struct SparseMatrix : Matrix {
 inline auto fields_of(const SparseMatrix* /*unused*/)
 {
     using B = SparseMatrix;
-    return std::make_tuple(
-        Field<B, Text256>{"etyp", section::attributes, &B::etyp},
-        Field<B, std::int32_t>{"entid", section::attributes, &B::entid},
-        Field<B, Text256>{"etypvar", section::attributes, &B::etypvar},
-        Field<B, std::int32_t>{"nrow", section::attributes, &B::nrow},
-        Field<B, std::int64_t>{"nnz", section::attributes, &B::nnz},
-        Field<B, std::int32_t>{"nindex", section::attributes, &B::nindex},
-        Field<B, std::int32_t>{"indexic", section::attributes, &B::indexic},
-        Field<B, std::vector<std::int32_t>>{"indexident", section::index, &B::indexident},
-        Field<B, std::vector<double>>{"indexval", section::index, &B::indexval},
-        Field<B, std::vector<std::int32_t>>{"colind", section::identifiers, &B::colind},
-        Field<B, std::vector<std::int64_t>>{"rowptr", section::identifiers, &B::rowptr},
-        Field<B, std::vector<double>>{"val", section::values, &B::val},
-        Field<B, std::int32_t>{"filter_flags", section::filters, &B::filter_flags},
-        Field<B, std::array<std::int32_t, 2>>{"filter_params", section::filters, &B::filter_params});
+    return std::make_tuple(Field<B, Text256>{"etyp", section::attributes, &B::etyp},
+                           Field<B, std::int32_t>{"entid", section::attributes, &B::entid},
+                           Field<B, Text256>{"etypvar", section::attributes, &B::etypvar},
+                           Field<B, std::int32_t>{"nrow", section::attributes, &B::nrow},
+                           Field<B, std::int64_t>{"nnz", section::attributes, &B::nnz},
+                           Field<B, std::int32_t>{"nindex", section::attributes, &B::nindex},
+                           Field<B, std::int32_t>{"indexic", section::attributes, &B::indexic},
+                           Field<B, std::vector<std::int32_t>>{"indexident", section::index, &B::indexident},
+                           Field<B, std::vector<double>>{"indexval", section::index, &B::indexval},
+                           Field<B, std::vector<std::int32_t>>{"colind", section::identifiers, &B::colind},
+                           Field<B, std::vector<std::int64_t>>{"rowptr", section::identifiers, &B::rowptr},
+                           Field<B, std::vector<double>>{"val", section::values, &B::val},
+                           Field<B, std::int32_t>{"filter_flags", section::filters, &B::filter_flags},
+                           Field<B, std::array<std::int32_t, 2>>{"filter_params", section::filters, &B::filter_params});
 }
 
 } // namespace kob_test

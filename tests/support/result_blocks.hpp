@@ -75,10 +75,10 @@ struct ElementResults {
     {
         return outcome_of([&](std::int32_t* status) {
             KOB_READ_ELEMENTRESULTS(&block, &pass, etypelem.data(), &nele, etypvar.data(), &ncoo, &numl, &ndim,
-                                    etypzone.data(), &zoneid, etypframe.data(), &fswitch, &dmpswitch, &nindex,
-                                    &indexic, indexident.data(), indexval.data(), idele.data(), &fidglob, fid.data(),
-                                    eloc.data(), operators.data(), weight.data(), res.data(), &filter_flags,
-                                    filter_params.data(), status);
+                                    etypzone.data(), &zoneid, etypframe.data(), &fswitch, &dmpswitch, &nindex, &indexic,
+                                    indexident.data(), indexval.data(), idele.data(), &fidglob, fid.data(), eloc.data(),
+                                    operators.data(), weight.data(), res.data(), &filter_flags, filter_params.data(),
+                                    status);
         });
     }
 
@@ -173,10 +173,10 @@ struct MultiElementResults {
     {
         return outcome_of([&](std::int32_t* status) {
             KOB_READ_MULTIELEMENTRESULTS(&block, &pass, series.data(), etypelem.data(), &nele, etypvar.data(), &ncoo,
-                                         &numl, &ndim, etypzone.data(), &zoneid, etypframe.data(), &fswitch,
-                                         &dmpswitch, &nindex, &nstate, indexident.data(), indexval.data(),
-                                         idele.data(), &fidglob, fid.data(), eloc.data(), operators.data(),
-                                         weight.data(), res.data(), &filter_flags, filter_params.data(), status);
+                                         &numl, &ndim, etypzone.data(), &zoneid, etypframe.data(), &fswitch, &dmpswitch,
+                                         &nindex, &nstate, indexident.data(), indexval.data(), idele.data(), &fidglob,
+                                         fid.data(), eloc.data(), operators.data(), weight.data(), res.data(),
+                                         &filter_flags, filter_params.data(), status);
         });
     }
 };
@@ -286,12 +286,11 @@ struct MultiEntityResults {
     Outcome write(const std::int64_t* group) const
     {
         return outcome_of([&](std::int32_t* status) {
-            KOB_WRITE_MULTIENTITYRESULTS(group, series.data(), etyp.data(), &nent, etypvar.data(), &ncoo,
-                                         etypzone.data(), &zoneid, etypframe.data(), &fswitch, &dmpswitch, &nindex,
-                                         indexident.data(), Reals{indexval, floats()}, entid.data(), &fidglob,
-                                         fid.data(), ElementResults::texts(operators), Reals{weight, floats()},
-                                         Reals{res, floats()}, &set, &s, &filter_flags, filter_params.data(),
-                                         &value_size, status);
+            KOB_WRITE_MULTIENTITYRESULTS(
+                group, series.data(), etyp.data(), &nent, etypvar.data(), &ncoo, etypzone.data(), &zoneid,
+                etypframe.data(), &fswitch, &dmpswitch, &nindex, indexident.data(), Reals{indexval, floats()},
+                entid.data(), &fidglob, fid.data(), ElementResults::texts(operators), Reals{weight, floats()},
+                Reals{res, floats()}, &set, &s, &filter_flags, filter_params.data(), &value_size, status);
         });
     }
     Outcome write(const KobFile& file) const { return write(file.address()); }
@@ -315,12 +314,12 @@ struct MultiEntityResults {
         const std::array<std::int64_t, 2> groups{block, -1};
         const bool small = memory_size == 4;
         return outcome_of([&](std::int32_t* status) {
-            KOB_WRITE_MULTIENTITYRESULTS2(
-                groups.data(), nullptr, nullptr, series.data(), etyp.data(), &nent, etypvar.data(), &ncoo,
-                etypzone.data(), &zoneid, etypframe.data(), &fswitch, &dmpswitch, &nindex, indexident.data(),
-                Reals{indexval, small}, entid.data(), &fidglob, fid.data(), ElementResults::texts(operators),
-                Reals{weight, small}, Reals{res, small}, &memory_size, &s, &filter_flags, filter_params.data(),
-                &value_size, &mode, count.data(), start.data(), &states, status);
+            KOB_WRITE_MULTIENTITYRESULTS2(groups.data(), nullptr, nullptr, series.data(), etyp.data(), &nent,
+                                          etypvar.data(), &ncoo, etypzone.data(), &zoneid, etypframe.data(), &fswitch,
+                                          &dmpswitch, &nindex, indexident.data(), Reals{indexval, small}, entid.data(),
+                                          &fidglob, fid.data(), ElementResults::texts(operators), Reals{weight, small},
+                                          Reals{res, small}, &memory_size, &s, &filter_flags, filter_params.data(),
+                                          &value_size, &mode, count.data(), start.data(), &states, status);
         });
     }
 
@@ -329,8 +328,8 @@ struct MultiEntityResults {
         return outcome_of([&](std::int32_t* status) {
             KOB_READ_MULTIENTITYRESULTS(&block, &pass, series.data(), etyp.data(), &nent, etypvar.data(), &ncoo,
                                         etypzone.data(), &zoneid, etypframe.data(), &fswitch, &dmpswitch, &nindex,
-                                        &nstate, indexident.data(), indexval.data(), entid.data(), &fidglob,
-                                        fid.data(), operators.data(), weight.data(), res.data(), &filter_flags,
+                                        &nstate, indexident.data(), indexval.data(), entid.data(), &fidglob, fid.data(),
+                                        operators.data(), weight.data(), res.data(), &filter_flags,
                                         filter_params.data(), status);
         });
     }
@@ -343,8 +342,7 @@ struct MultiEntityResults {
                                         etypzone.data(), &zoneid, etypframe.data(), &fswitch, &dmpswitch, &nindex,
                                         &nstate, indexident.data(), Reals{indexval, small}, entid.data(), &fidglob,
                                         fid.data(), operators.data(), Reals{weight, small}, Reals{res, small},
-                                        &filter_flags, filter_params.data(), &mode, count.data(), start.data(),
-                                        status);
+                                        &filter_flags, filter_params.data(), &mode, count.data(), start.data(), status);
         });
     }
 
