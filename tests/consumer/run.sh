@@ -1,7 +1,7 @@
 #!/bin/bash
 # SPDX-License-Identifier: BSD-3-Clause
 # Installs a build, then builds and runs a C program against the installed tree with CMake and with pkg-config;
-# then moves the tree and does it again.
+# then moves the tree and does it again. The example in the README is one of the programs.
 # usage: run.sh BUILD_FOLDER LIBRARY_FOLDER   (LIBRARY_FOLDER as in CMAKE_INSTALL_LIBDIR)
 set -euo pipefail
 
@@ -26,6 +26,14 @@ quietly()
     }
 }
 
+compile() # compile source program, as the README says
+{
+    local flags
+    read -ra flags <<<"$(pkg-config --cflags --libs kob_dp)"
+    quietly "${CC:-cc}" -std=c99 -pedantic -Wall -Wextra -Werror "$1" -o "$2" "${flags[@]}" \
+        -Wl,-rpath,"$(pkg-config --variable=libdir kob_dp)"
+}
+
 use() # use prefix
 {
     local prefix=$1 good="version 2 2 16, status 0"
@@ -37,11 +45,13 @@ use() # use prefix
 
     export PKG_CONFIG_PATH=$prefix/$libdir/pkgconfig
     expect "version of the package" "2.2.16" "$(pkg-config --modversion kob_dp)"
-    local flags
-    read -ra flags <<<"$(pkg-config --cflags --libs kob_dp)"
-    quietly "${CC:-cc}" -std=c99 -pedantic -Wall -Wextra -Werror "$here/consumer.c" -o "$work/consumer" "${flags[@]}" \
-        -Wl,-rpath,"$(pkg-config --variable=libdir kob_dp)"
+    compile "$here/consumer.c" "$work/consumer"
     expect "with pkg-config" "$good" "$("$work/consumer" "$work/pkg-config.kob")"
+
+    sed -n '/^```c$/,/^```$/p' "$here/../../README.md" | sed '/^```/d' >"$work/example.c"
+    compile "$work/example.c" "$work/example"
+    expect "the README's example" "$(sed -n '/^```text$/,/^```$/p' "$here/../../README.md" | sed '/^```/d')" \
+        "$(cd "$work" && ./example)"
 
     [ ! -e "$build/kob" ] || quietly "$prefix/bin/kob" --help
 }
