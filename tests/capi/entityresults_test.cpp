@@ -238,7 +238,7 @@ TEST(EntityResults, Lossy_compression_reaches_the_values_alone)
     written.entid = written.fid = {1, 2, 3, 4, 5, 6, 7, 8};
     written.weight = Reals64(8, 0.123456);
     written.res.clear();
-    for (int i = 0; i < 24; ++i) written.res.push_back(0.123456 + i);
+    for (int i = 0; i < 24; ++i) written.res.push_back(0.123456 * i);
     ASSERT_EQ(written.write(file.handle(), 12, 8, {.filter_flags = 255}), 0);
     auto read = EntityResults::empty_combined(8);
     FoundFilters found;
