@@ -460,8 +460,8 @@ TEST(PropertiesBlock, Rows_outside_of_the_table_are_refused)
         std::int64_t count;
         Rows rows;
         std::int32_t status;
-    } const cases[]{
-        {1, 2, {3}, -6031}, {1, 5, {0}, -6031}, {1, 1, {-1}, -6031}, {2, 2, {0, 4}, -6032}, {2, 1, {-1}, -6032}};
+    } const cases[]{{1, 2, {3}, -6031},  {1, 5, {0}, -6031},  {1, 1, {-1}, -6031}, {2, 2, {0, 4}, -6032},
+                    {2, 1, {-1}, -6032}, {1, -1, {0}, -6031}, {2, -1, {0}, -6032}};
     for (const auto& c : cases) {
         auto b = counted_rows(5, 2);
         b.nent = 4;
