@@ -118,7 +118,7 @@ void Writer::attribute(const char* name, const void* data, std::int32_t type, st
         throw NullArgument{};
     }
     const hsize_t one = 1;
-    status_ = KOB_H5Awrite(name, data, type, size, size, &one, 0, block_, place_);
+    status_ = KOB_H5Awrite(name, data, type, size, size, &one, 0, block_, place_, &shared_);
 }
 
 void Writer::dataset(const char* name, const void* data, std::int32_t type, std::size_t data_size, std::size_t kob_size,
@@ -129,9 +129,10 @@ void Writer::dataset(const char* name, const void* data, std::int32_t type, std:
     }
     require(data, shape, part);
     const Shape given = part.is_whole() ? shape : shape.without_markers();
-    status_ = KOB_H5Dwrite(name, data, type, data_size, kob_size, given.dims(), given.rank(), part.count, part.start,
-                           part.mode, block_, flags, filters_.params.data(),
-                           {.place = place_, .origin = part.origin, .leading_extent = &leading_extent_});
+    status_ =
+        KOB_H5Dwrite(name, data, type, data_size, kob_size, given.dims(), given.rank(), part.count, part.start,
+                     part.mode, block_, flags, filters_.params.data(),
+                     {.place = place_, .origin = part.origin, .leading_extent = &leading_extent_, .shared = &shared_});
 }
 
 void Writer::frame(const BlockKind& kind, std::int32_t key)

@@ -181,6 +181,7 @@ private:
     Filters filters_;
     std::size_t float_size_;
     Place place_;
+    SharedIds shared_;
     std::int32_t status_ = 0;
     hsize_t leading_extent_ = 0;
 };

@@ -4,6 +4,8 @@
 // Every helper returns 0 or the negative code of kob_storage_codes.hpp, after one line on standard error.
 #pragma once
 
+#include "kob_id.hpp"
+
 #include <hdf5.h>
 
 #include <cstddef>
@@ -52,11 +54,27 @@ enum class Origin {
     first, ///< the first row: positions are absolute
 };
 
+/// HDF5 objects that the items of one block have in common: each is made when first asked for, and kept until the
+/// owner goes. Those who ask don't own what they get.
+class SharedIds {
+public:
+    hid_t scalar();                    ///< the dataspace of one element
+    hid_t compact();                   ///< creation properties of small datasets, or negative
+    hid_t text_type(std::size_t size); ///< blank-padded text, or negative
+
+private:
+    Id scalar_;
+    Id compact_;
+    Id text_type_;
+    std::size_t text_size_ = 0;
+};
+
 /// What a dataset write may be told, and may tell, beyond its arguments.
 struct WriteOptions {
     Place place = Place::unknown;
     Origin origin = Origin::end;
     hsize_t* leading_extent = nullptr; ///< receives the leading extent after the write
+    SharedIds* shared = nullptr;       ///< of a caller who writes many items
 };
 
 /// Does a failed read print its line?
@@ -71,7 +89,7 @@ std::int32_t KOB_H5getfillvalue(std::int32_t kob_type, std::size_t size, void* v
 /// Writes an attribute; an existing one of the same class and shape is overwritten in place.
 std::int32_t KOB_H5Awrite(const char* name, const void* data, std::int32_t kob_type, std::size_t data_size,
                           std::size_t kob_size, const hsize_t* dims, std::int32_t rank, hid_t location,
-                          Place place = Place::unknown);
+                          Place place = Place::unknown, SharedIds* shared = nullptr);
 
 /// Writes a dataset, or a block or points of it; an existing one is reused, a growable one is extended.
 /// In a growable dimension start and coordinates count from the current end and may be negative, unless the options

@@ -9,7 +9,8 @@
 namespace kob {
 
 std::int32_t KOB_H5Awrite(const char* name, const void* data, std::int32_t kob_type, std::size_t data_size,
-                          std::size_t kob_size, const hsize_t* dims, std::int32_t rank, hid_t location, Place place)
+                          std::size_t kob_size, const hsize_t* dims, std::int32_t rank, hid_t location, Place place,
+                          SharedIds* shared)
 {
     using namespace attribute_write;
     const auto refuse = [&](Condition condition, std::int32_t quantity = -1) {
@@ -26,13 +27,17 @@ std::int32_t KOB_H5Awrite(const char* name, const void* data, std::int32_t kob_t
     if (KOB_H5gettype(kob_type, data_size, type_class, memory) != 0) {
         return refuse(memory_type);
     }
-    if (KOB_H5gettype(kob_type, kob_size, type_class, native) != 0) {
+    if (kob_size == data_size) {
+        native = memory;
+    } else if (KOB_H5gettype(kob_type, kob_size, type_class, native) != 0) {
         return refuse(file_type);
     }
     if (kob_type != type_code::real && data_size > kob_size) {
         return refuse(narrower_file, printable(data_size));
     }
 
+    SharedIds own;
+    SharedIds& ids = shared != nullptr ? *shared : own;
     Id attribute;
     FileType stored;
     std::vector<char> texts;
@@ -57,17 +62,16 @@ std::int32_t KOB_H5Awrite(const char* name, const void* data, std::int32_t kob_t
             source = texts.data();
         }
     } else {
-        Id space;
-        if (rank <= 0) {
-            space = Id{H5Screate(H5S_SCALAR), H5Sclose};
-        } else if (rank <= H5S_MAX_RANK && is_addressable({dims, static_cast<std::size_t>(rank)}, kob_size)) {
-            space = Id{H5Screate_simple(rank, dims, nullptr), H5Sclose};
+        Id array;
+        if (rank > 0 && rank <= H5S_MAX_RANK && is_addressable({dims, static_cast<std::size_t>(rank)}, kob_size)) {
+            array = Id{H5Screate_simple(rank, dims, nullptr), H5Sclose};
         }
-        if (!space) {
+        const hid_t space = rank > 0 ? array.get() : ids.scalar();
+        if (space < 0) {
             return refuse(dataspace, printable(static_cast<std::uint64_t>(rank)));
         }
-        stored = stored_type_for(kob_type, native, kob_size);
-        attribute = Id{H5Acreate2(location, name, stored.type, space.get(), H5P_DEFAULT, H5P_DEFAULT), H5Aclose};
+        stored = stored_type_for(kob_type, native, kob_size, ids);
+        attribute = Id{H5Acreate2(location, name, stored.type, space, H5P_DEFAULT, H5P_DEFAULT), H5Aclose};
         if (!attribute) {
             return refuse(create);
         }
@@ -119,13 +123,16 @@ std::int32_t KOB_H5Aread(const char* name, void* data, std::int32_t kob_type, st
     if (kob_type != type_code::real && size > data_size) {
         return refuse(kob_type == type_code::text ? wider_text : wider_integer, printable(size));
     }
-    const Id space{H5Aget_space(attribute.get()), H5Sclose};
-    const StoredShape shape = stored_shape(space.get());
-    if (rank > 0 ? shape.rank != rank : shape.elements != 1) {
-        return refuse(other_rank, shape.rank);
-    }
-    if (const std::int32_t differing = rank > 0 ? first_difference(shape, dims) : -1; differing >= 0) {
-        return refuse(other_extent, differing);
+    // Nearly every attribute is one element. Its storage tells that sooner than its dataspace.
+    if (rank > 0 || H5Aget_storage_size(attribute.get()) != size) {
+        const Id space{H5Aget_space(attribute.get()), H5Sclose};
+        const StoredShape shape = stored_shape(space.get());
+        if (rank > 0 ? shape.rank != rank : shape.elements != 1) {
+            return refuse(other_rank, shape.rank);
+        }
+        if (const std::int32_t differing = rank > 0 ? first_difference(shape, dims) : -1; differing >= 0) {
+            return refuse(other_extent, differing);
+        }
     }
     const hid_t transferred = kob_type == type_code::text ? stored.get() : memory;
     if (const herr_t result = H5Aread(attribute.get(), transferred, data); result < 0) {

@@ -170,7 +170,9 @@ public:
         if (KOB_H5gettype(kob_type, data_size, type_class_, memory_) != 0) {
             return refuse(memory_type);
         }
-        if (KOB_H5gettype(kob_type, kob_size, type_class_, native_) != 0) {
+        if (kob_size == data_size) {
+            native_ = memory_;
+        } else if (KOB_H5gettype(kob_type, kob_size, type_class_, native_) != 0) {
             return refuse(file_type);
         }
         if (kob_type != type_code::real && data_size > kob_size) {
@@ -180,7 +182,9 @@ public:
         if (!exists && dims == nullptr) {
             return refuse(no_dims);
         }
-        if (const std::int32_t result = exists ? open() : create(); result != 0) {
+        SharedIds own;
+        SharedIds& ids = options.shared != nullptr ? *options.shared : own;
+        if (const std::int32_t result = exists ? open() : create(ids); result != 0) {
             return result;
         }
         if (options.leading_extent != nullptr) {
@@ -234,7 +238,7 @@ private:
         return 0;
     }
 
-    std::int32_t create()
+    std::int32_t create(SharedIds& ids)
     {
         using namespace dataset_write;
         if (rank < 0 || rank > H5S_MAX_RANK) {
@@ -259,25 +263,26 @@ private:
         if (!is_addressable({extents.data(), used}, kob_size)) {
             return refuse(create_dataspace);
         }
-        const Id space{rank > 0 ? H5Screate_simple(rank, extents.data(), dims) : H5Screate(H5S_SCALAR), H5Sclose};
-        if (!space) {
+        const Id array{rank > 0 ? H5Screate_simple(rank, extents.data(), dims) : H5I_INVALID_HID, H5Sclose};
+        const hid_t space = rank > 0 ? array.get() : ids.scalar();
+        if (space < 0) {
             return refuse(create_dataspace);
         }
-        stored_ = stored_type_for(kob_type, native_, kob_size);
+        stored_ = stored_type_for(kob_type, native_, kob_size, ids);
         if (stored_.type < 0) {
             return refuse(type_order);
         }
         elements_ = product({extents.data(), used});
         leading_extent_ = extents[0];
-        Id properties;
+        CreationProperties properties;
         const LayoutRequest request{kob_type,     kob_size,  {extents.data(), used},
                                     maximum,      elements_, filter_request(kob_type, filter_flags, elements_),
                                     filter_params};
-        if (const Refusal refusal = creation_properties(request, properties)) {
+        if (const Refusal refusal = creation_properties(request, ids, properties)) {
             return refuse(refusal.condition, refusal.quantity);
         }
-        dataset_ = Id{H5Dcreate2(location, name, stored_.type, space.get(), H5P_DEFAULT, properties.get(), H5P_DEFAULT),
-                      H5Dclose};
+        dataset_ =
+            Id{H5Dcreate2(location, name, stored_.type, space, H5P_DEFAULT, properties.list, H5P_DEFAULT), H5Dclose};
         return dataset_ ? 0 : refuse(dataset_write::create);
     }
 
@@ -365,10 +370,10 @@ std::int32_t KOB_H5Dread(const char* name, void* data, std::int32_t kob_type, st
     if (KOB_H5gettype(kob_type, data_size, type_class, memory) != 0) {
         return refuse(memory_type);
     }
-    if (!has_link(location, name)) {
+    const Id dataset{H5Dopen2(location, name, H5P_DEFAULT), H5Dclose};
+    if (!dataset && !has_link(location, name)) {
         return refuse(missing);
     }
-    const Id dataset{H5Dopen2(location, name, H5P_DEFAULT), H5Dclose};
     const Id stored{H5Dget_type(dataset.get()), H5Tclose};
     if (const H5T_class_t found = stored_class(stored.get()); found != type_class) {
         return refuse(other_class, found);

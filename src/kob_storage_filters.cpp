@@ -21,16 +21,22 @@ constexpr std::int32_t largest_deflate_level = 9;
 constexpr hsize_t smallest_divided_extent = 1000;
 constexpr hsize_t largest_divided_chunk = 2000;
 
+bool grows(const LayoutRequest& request)
+{
+    return std::find(request.maximum.begin(), request.maximum.end(), growable) != request.maximum.end();
+}
+
+bool is_compact(const LayoutRequest& request)
+{
+    return !grows(request) && !request.filters.any() &&
+           product(std::array{request.elements, static_cast<hsize_t>(request.kob_size)}) <= compact_limit;
+}
+
 Refusal set_layout(const LayoutRequest& request, hid_t properties)
 {
     using namespace dataset_write;
-    const bool grows = std::find(request.maximum.begin(), request.maximum.end(), growable) != request.maximum.end();
-    if (!grows && !request.filters.any()) {
-        const hsize_t bytes = product(std::array{request.elements, static_cast<hsize_t>(request.kob_size)});
-        if (bytes <= compact_limit) {
-            const herr_t result = H5Pset_layout(properties, H5D_COMPACT);
-            return result < 0 ? Refusal{compact_layout, result} : Refusal{};
-        }
+    const bool growing = grows(request);
+    if (!growing && !request.filters.any()) {
         const herr_t result = H5Pset_layout(properties, H5D_CONTIGUOUS);
         return result < 0 ? Refusal{contiguous_layout, result} : Refusal{};
     }
@@ -39,7 +45,7 @@ Refusal set_layout(const LayoutRequest& request, hid_t properties)
     }
     std::array<hsize_t, H5S_MAX_RANK> chunk{};
     for (std::size_t i = 0; i < request.extents.size(); ++i) {
-        if (!grows) {
+        if (!growing) {
             chunk[i] = request.extents[i]; // one chunk holds the whole dataset
         } else if (request.maximum[i] == growable) {
             chunk[i] = static_cast<hsize_t>(std::max(chunk_size(), 1));
@@ -88,6 +94,15 @@ Refusal set_deflate(const LayoutRequest& request, hid_t properties)
     return result < 0 ? Refusal{deflate, result} : Refusal{};
 }
 
+/// Has the dataset's header a filter message? Most have none, and that is much quicker to learn than a property list.
+bool may_have_filters(hid_t dataset)
+{
+    constexpr unsigned filter_message = 11; // its number in HDF5's file format
+    H5O_native_info_t info{};
+    return H5Oget_native_info(dataset, &info, H5O_NATIVE_INFO_HDR) < 0 ||
+           (info.hdr.mesg.present & (std::uint64_t{1} << filter_message)) != 0;
+}
+
 } // namespace
 
 FilterBits filter_bits(std::int32_t kob_type) noexcept
@@ -129,32 +144,37 @@ hsize_t chunk_extent(hsize_t extent) noexcept
     return best;
 }
 
-Refusal creation_properties(const LayoutRequest& request, Id& properties)
+Refusal creation_properties(const LayoutRequest& request, SharedIds& shared, CreationProperties& properties)
 {
     using namespace dataset_write;
-    properties = Id{H5Pcreate(H5P_DATASET_CREATE), H5Pclose};
-    if (!properties) {
+    if (is_compact(request)) {
+        properties.list = shared.compact();
+        return properties.list < 0 ? Refusal{compact_layout} : Refusal{};
+    }
+    properties.owned = Id{H5Pcreate(H5P_DATASET_CREATE), H5Pclose};
+    properties.list = properties.owned.get();
+    if (properties.list < 0) {
         return {property_list};
     }
-    if (const Refusal refusal = set_layout(request, properties.get())) {
+    if (const Refusal refusal = set_layout(request, properties.list)) {
         return refusal;
     }
     if (request.filters.scale_offset) {
         H5T_class_t type_class{};
         hid_t native = H5I_INVALID_HID;
         KOB_H5gettype(request.kob_type, request.kob_size, type_class, native);
-        if (const Refusal refusal = set_scale_offset(request, native, properties.get())) {
+        if (const Refusal refusal = set_scale_offset(request, native, properties.list)) {
             return refusal;
         }
     }
     // Shuffle before deflate: HDF5 applies filters in the order they are set.
     if (request.filters.shuffle) {
-        if (const herr_t result = H5Pset_shuffle(properties.get()); result < 0) {
+        if (const herr_t result = H5Pset_shuffle(properties.list); result < 0) {
             return {shuffle, result};
         }
     }
     if (request.filters.deflate) {
-        return set_deflate(request, properties.get());
+        return set_deflate(request, properties.list);
     }
     return {};
 }
@@ -165,6 +185,9 @@ Refusal report_filters(hid_t dataset, std::int32_t kob_type, std::int32_t& filte
     filter_flags = 0;
     filter_params[0] = 0;
     filter_params[1] = 0;
+    if (!may_have_filters(dataset)) {
+        return {};
+    }
     const Id properties{H5Dget_create_plist(dataset), H5Pclose};
     const int filters = H5Pget_nfilters(properties.get());
     const FilterBits bits = filter_bits(kob_type);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "kob_id.hpp"
+#include "kob_storage.hpp"
 #include "kob_storage_codes.hpp"
 
 #include <cstddef>
@@ -50,8 +51,12 @@ struct LayoutRequest {
     const std::int32_t* filter_params; ///< decimal scale factor, deflate level
 };
 
-/// Creation properties of a new dataset.
-Refusal creation_properties(const LayoutRequest& request, Id& properties);
+/// Creation properties of a new dataset. `owned` stays empty where somebody else keeps them.
+struct CreationProperties {
+    Id owned;
+    hid_t list = H5I_INVALID_HID;
+};
+Refusal creation_properties(const LayoutRequest& request, SharedIds& shared, CreationProperties& properties);
 
 /// Chunk extent of a fixed dimension of a growable dataset.
 hsize_t chunk_extent(hsize_t extent) noexcept;

@@ -77,15 +77,42 @@ std::int32_t KOB_H5getfillvalue(std::int32_t kob_type, std::size_t size, void* v
     return 0;
 }
 
-FileType stored_type_for(std::int32_t kob_type, hid_t native, std::size_t size)
+hid_t SharedIds::scalar()
+{
+    if (!scalar_) {
+        scalar_ = Id{H5Screate(H5S_SCALAR), H5Sclose};
+    }
+    return scalar_.get();
+}
+
+hid_t SharedIds::compact()
+{
+    if (!compact_) {
+        compact_ = Id{H5Pcreate(H5P_DATASET_CREATE), H5Pclose};
+        if (H5Pset_layout(compact_.get(), H5D_COMPACT) < 0) {
+            compact_ = Id{};
+        }
+    }
+    return compact_.get();
+}
+
+hid_t SharedIds::text_type(std::size_t size)
+{
+    if (!text_type_ || text_size_ != size) {
+        text_size_ = size;
+        text_type_ = Id{H5Tcopy(H5T_C_S1), H5Tclose};
+        if (H5Tset_size(text_type_.get(), size) < 0 || H5Tset_strpad(text_type_.get(), H5T_STR_SPACEPAD) < 0) {
+            text_type_ = Id{};
+        }
+    }
+    return text_type_.get();
+}
+
+FileType stored_type_for(std::int32_t kob_type, hid_t native, std::size_t size, SharedIds& shared)
 {
     FileType result;
     if (kob_type == type_code::text) {
-        result.owned = Id{H5Tcopy(native), H5Tclose};
-        if (result.owned && H5Tset_size(result.owned.get(), size) >= 0 &&
-            H5Tset_strpad(result.owned.get(), H5T_STR_SPACEPAD) >= 0) {
-            result.type = result.owned.get();
-        }
+        result.type = shared.text_type(size);
     } else if constexpr (std::endian::native == std::endian::little) {
         result.type = native;
     } else {
@@ -97,7 +124,11 @@ FileType stored_type_for(std::int32_t kob_type, hid_t native, std::size_t size)
     return result;
 }
 
-H5T_class_t stored_class(hid_t type) noexcept { return H5Tis_variable_str(type) > 0 ? H5T_VLEN : H5Tget_class(type); }
+H5T_class_t stored_class(hid_t type) noexcept
+{
+    const H5T_class_t found = H5Tget_class(type);
+    return found == H5T_STRING && H5Tis_variable_str(type) > 0 ? H5T_VLEN : found;
+}
 
 StoredShape stored_shape(hid_t space) noexcept
 {

@@ -14,13 +14,14 @@
 
 namespace kob {
 
-/// The type that new objects get in the file: little-endian numbers, blank-padded texts of `size`.
-/// Numbers of a little-endian machine need no type of their own: `owned` stays empty.
+/// A type in the file. `owned` stays empty where somebody else keeps it.
 struct FileType {
     Id owned;
     hid_t type = H5I_INVALID_HID;
 };
-FileType stored_type_for(std::int32_t kob_type, hid_t native, std::size_t size);
+
+/// The type that new objects get: little-endian numbers, blank-padded texts of `size`.
+FileType stored_type_for(std::int32_t kob_type, hid_t native, std::size_t size, SharedIds& shared);
 
 /// Class of a stored type as the type codes see it: a variable-length text is no text.
 H5T_class_t stored_class(hid_t type) noexcept;
