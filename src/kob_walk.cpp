@@ -16,13 +16,19 @@ constexpr std::int32_t walk_failed = -1;
 struct Link {
     std::string name;
     bool is_hard;
+    H5O_token_t token; ///< of the object behind a hard link
+};
+
+/// What tells an object from all others.
+struct Identity {
+    H5O_token_t token{};
+    unsigned long file_number = 0;
 };
 
 /// One group of the current path, with the links that are still to visit.
 struct Level {
     Id group;
-    H5O_token_t token{};
-    unsigned long file_number = 0;
+    Identity identity;
     std::vector<Link> links;
     std::size_t next = 0;
     std::size_t path_length = 0; ///< of the path before this group's name was appended
@@ -33,7 +39,8 @@ herr_t collect_link(hid_t, const char* name, const H5L_info2_t* info, void* data
     auto& links = *static_cast<std::vector<Link>*>(data);
     // No exception may pass through HDF5.
     try {
-        links.push_back({name, info->type == H5L_TYPE_HARD});
+        const bool is_hard = info->type == H5L_TYPE_HARD;
+        links.push_back({name, is_hard, is_hard ? info->u.token : H5O_token_t{}});
     } catch (const std::bad_alloc&) {
         return -1;
     }
@@ -48,7 +55,8 @@ public:
     {
         H5O_info2_t info{};
         Id group{H5Gopen2(start, ".", H5P_DEFAULT), H5Gclose};
-        if (!group || H5Oget_info3(group.get(), &info, H5O_INFO_BASIC) < 0 || !enter(std::move(group), info, 0)) {
+        if (!group || H5Oget_info3(group.get(), &info, H5O_INFO_BASIC) < 0 ||
+            !enter(std::move(group), {info.token, info.fileno}, 0)) {
             return walk_failed;
         }
         while (!levels_.empty()) {
@@ -59,7 +67,7 @@ public:
                 continue;
             }
             const Link& link = level.links[level.next++];
-            if (const std::int32_t result = visit_link(level.group.get(), link); result != 0) {
+            if (const std::int32_t result = visit_link(level, link); result != 0) {
                 return result;
             }
         }
@@ -67,11 +75,12 @@ public:
     }
 
 private:
-    std::int32_t visit_link(hid_t parent, const Link& link)
+    std::int32_t visit_link(const Level& level, const Link& link)
     {
         if (++links_seen_ > most_links) {
             return walk_failed;
         }
+        const hid_t parent = level.group.get();
         const bool is_block = link.name == block_group_name;
         if (is_block || link.name == header_group_name) {
             if (!link.is_hard && !leads_somewhere(parent, link)) {
@@ -83,18 +92,30 @@ private:
             path_.resize(length);
             return result;
         }
-        H5O_info2_t info{};
-        if (H5Oget_info_by_name3(parent, link.name.c_str(), &info, H5O_INFO_BASIC, H5P_DEFAULT) < 0) {
-            // A link may lead nowhere; an object that is there must be readable.
-            return link.is_hard ? walk_failed : 0;
+        Identity identity{link.token, level.identity.file_number};
+        Id group;
+        if (link.is_hard) {
+            if (is_open(identity)) {
+                return 0;
+            }
+            group = Id{H5Gopen2(parent, link.name.c_str(), H5P_DEFAULT), H5Gclose};
         }
-        if (info.type != H5O_TYPE_GROUP || is_open(info)) {
-            return 0;
+        // A hard link that opened is a group whose identity is known; everything else is looked at first.
+        if (!group) {
+            H5O_info2_t info{};
+            if (H5Oget_info_by_name3(parent, link.name.c_str(), &info, H5O_INFO_BASIC, H5P_DEFAULT) < 0) {
+                // A link may lead nowhere; an object that is there must be readable.
+                return link.is_hard ? walk_failed : 0;
+            }
+            identity = {info.token, info.fileno};
+            if (info.type != H5O_TYPE_GROUP || is_open(identity)) {
+                return 0;
+            }
+            group = Id{H5Gopen2(parent, link.name.c_str(), H5P_DEFAULT), H5Gclose};
         }
         const std::size_t length = path_.size();
-        Id group{H5Gopen2(parent, link.name.c_str(), H5P_DEFAULT), H5Gclose};
         append(link.name);
-        return group && enter(std::move(group), info, length) ? 0 : walk_failed;
+        return group && enter(std::move(group), identity, length) ? 0 : walk_failed;
     }
 
     static bool leads_somewhere(hid_t parent, const Link& link)
@@ -110,12 +131,12 @@ private:
         path_ += name;
     }
 
-    bool enter(Id group, const H5O_info2_t& info, std::size_t path_length)
+    bool enter(Id group, const Identity& identity, std::size_t path_length)
     {
         if (levels_.size() >= deepest_level) {
             return false;
         }
-        Level level{std::move(group), info.token, info.fileno, {}, 0, path_length};
+        Level level{std::move(group), identity, {}, 0, path_length};
         hsize_t position = 0;
         if (H5Literate2(level.group.get(), H5_INDEX_NAME, H5_ITER_INC, &position, collect_link, &level.links) < 0) {
             return false;
@@ -124,12 +145,12 @@ private:
         return true;
     }
 
-    bool is_open(const H5O_info2_t& info) const
+    bool is_open(const Identity& identity) const
     {
         return std::any_of(levels_.begin(), levels_.end(), [&](const Level& level) {
             int order = 1;
-            return level.file_number == info.fileno &&
-                   H5Otoken_cmp(level.group.get(), &level.token, &info.token, &order) >= 0 && order == 0;
+            return level.identity.file_number == identity.file_number &&
+                   H5Otoken_cmp(level.group.get(), &level.identity.token, &identity.token, &order) >= 0 && order == 0;
         });
     }
 
