@@ -53,14 +53,16 @@ Id open_path(hid_t parent, const std::string& path) { return {H5Gopen2(parent, p
 // A new block mostly joins others: all but the last two levels of its path are there, and one call opens them.
 constexpr std::size_t levels_expected_missing = 2;
 
-/// Opens the group that lies deepest on the path, as far as one can tell from opening. `depth` counts its level.
-Id deepest_parent(hid_t parent, const std::string& path, const std::vector<Level>& levels, std::size_t& depth)
+/// Opens a group on the path to go on from; `depth` counts its level.
+Id open_parent(hid_t parent, const std::string& path, const std::vector<Level>& levels, std::size_t& depth)
 {
-    for (depth = levels.size() - std::min(levels.size(), levels_expected_missing); depth > 0; --depth) {
+    depth = levels.size() - std::min(levels.size(), levels_expected_missing);
+    if (depth > 0) {
         if (Id group = open_path(parent, path.substr(0, levels[depth - 1].end))) {
             return group;
         }
     }
+    depth = 0;
     return open_path(parent, !path.empty() && path.front() == '/' ? "/" : ".");
 }
 
@@ -68,7 +70,7 @@ OpenedGroup create_levels(hid_t parent, const std::string& path, LevelProperties
 {
     const std::vector<Level> levels = levels_of(path);
     std::size_t depth = 0;
-    Id group = deepest_parent(parent, path, levels, depth);
+    Id group = open_parent(parent, path, levels, depth);
     std::int32_t created = 0;
     for (; depth < levels.size(); ++depth) {
         const Level& level = levels[depth];
