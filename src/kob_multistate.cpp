@@ -83,9 +83,18 @@ private:
     std::array<std::int64_t, 6> start_{};
 };
 
-/// Rewrites "nstate" after states were written, or gives a new series its first value.
-std::int32_t write_nstate(Writer& io, bool is_new, std::int32_t before)
+/// Ends a write of states: rewrites "nstate", or gives a new series its first value. A write that failed behind its
+/// index rows takes those back that have no values: a series with more of the ones than of the others is unreadable.
+std::int32_t end_states(Writer& io, hid_t block, const char* values, bool is_new, std::int32_t before)
 {
+    if (!io.ok()) {
+        const std::int64_t rows = count_rows(block, values);
+        if (rows >= 0 || is_new) {
+            cut_rows(block, "indexident", std::max<std::int64_t>(rows, 0));
+            cut_rows(block, "indexval", std::max<std::int64_t>(rows, 0));
+        }
+        return before;
+    }
     const std::int64_t held = io.leading_extent();
     const std::int32_t nstate = held > 0 ? static_cast<std::int32_t>(std::min<std::int64_t>(held, INT32_MAX)) : before;
     if (is_new || held > 0) {
@@ -200,9 +209,7 @@ std::int32_t write_series(hid_t block, const MultiEntityResults<Writer>& b, cons
     if (io.ok()) {
         write_states(io, b, size.complex, request);
     }
-    if (io.ok()) {
-        nstate = write_nstate(io, is_new, nstate);
-    }
+    nstate = end_states(io, block, "res", is_new, nstate);
     return io.status();
 }
 
@@ -629,7 +636,7 @@ void KOB_WRITE_MULTIELEMENTRESULTS(const int64_t* group, const char* series, con
                     rows(io, b.index, 0, *n);
                     io.reals("res", b.res.get(), leading.shape(), leading.part());
                 }
-                write_nstate(io, placed.is_new(), 0);
+                end_states(io, placed.group.get(), "res", placed.is_new(), 0);
             });
     });
 }
@@ -692,7 +699,7 @@ void KOB_WRITE_MULTIACTIVFLAGS(const int64_t* group, const char* series, const c
                                         rows(io, b.index, 0, *n);
                                         io.integers("status", b.flags, leading.shape(), leading.part());
                                     }
-                                    write_nstate(io, placed.is_new(), 0);
+                                    end_states(io, placed.group.get(), "status", placed.is_new(), 0);
                                 });
     });
 }

@@ -5,6 +5,7 @@
 #include "kob_message.hpp"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstring>
 
@@ -194,6 +195,42 @@ std::int64_t count_elements(hid_t location, const char* name) noexcept
     const Id dataset{H5Dopen2(location, name, H5P_DEFAULT), H5Dclose};
     const Id space{H5Dget_space(dataset.get()), H5Sclose};
     return H5Sget_simple_extent_npoints(space.get());
+}
+
+namespace {
+
+using Extents = std::array<hsize_t, H5S_MAX_RANK>;
+
+/// The extents of a dataset; no dimensions when it cannot be examined.
+int extents_of(hid_t dataset, Extents& extents) noexcept
+{
+    const Id space{H5Dget_space(dataset), H5Sclose};
+    return H5Sget_simple_extent_dims(space.get(), extents.data(), nullptr);
+}
+
+} // namespace
+
+std::int64_t count_rows(hid_t location, const char* name) noexcept
+{
+    if (!has_link(location, name)) {
+        return -1;
+    }
+    const Id dataset{H5Dopen2(location, name, H5P_DEFAULT), H5Dclose};
+    Extents extents{};
+    return extents_of(dataset.get(), extents) > 0 ? static_cast<std::int64_t>(extents[0]) : -1;
+}
+
+void cut_rows(hid_t location, const char* name, std::int64_t rows) noexcept
+{
+    if (count_rows(location, name) <= rows) {
+        return;
+    }
+    const Id dataset{H5Dopen2(location, name, H5P_DEFAULT), H5Dclose};
+    Extents extents{};
+    if (extents_of(dataset.get(), extents) > 0) {
+        extents[0] = static_cast<hsize_t>(rows);
+        H5Dset_extent(dataset.get(), extents.data());
+    }
 }
 
 std::int64_t element_size(hid_t location, const char* name) noexcept

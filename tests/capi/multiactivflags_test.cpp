@@ -271,9 +271,9 @@ TEST(MultiActivFlags, OtherEntitiesThanTheBlockHoldsAreRefused)
     KobFile file;
     const MultiActivFlags written{2};
     ASSERT_EQ(written.write(file), fine);
-    MultiActivFlags wider{2};
+    MultiActivFlags wider{5};
     wider.nent = 4;
-    wider.hold(2);
+    wider.hold(5);
     const auto outcome = wider.write(file);
     EXPECT_EQ(outcome.status, -6031);
     EXPECT_EQ(stored_extents(file.block(place), "status"), (std::vector<hsize_t>{2, 3}));

@@ -279,13 +279,17 @@ TEST(MultiElementResults, OtherSizesThanTheBlockHoldsAreRefused)
     KobFile file;
     const MultiElementResults written{2};
     ASSERT_EQ(written.write(file), fine);
-    MultiElementResults wider{1};
+    MultiElementResults wider{3};
     wider.ncoo = 4;
-    wider.hold(1);
+    wider.hold(3);
     EXPECT_EQ(wider.write(file).status, -6031);
     const MultiElementResults complex{1, 32};
     EXPECT_EQ(complex.write(file).status, -3020);
     EXPECT_EQ(stored_reals(file.block(place), "res"), written.res);
+    EXPECT_EQ(stored_extents(file.block(place), "indexident"), (std::vector<hsize_t>{2, 1}));
+    EXPECT_EQ(stored_extents(file.block(place), "indexval"), (std::vector<hsize_t>{2, 1}));
+    auto got = untouched(written);
+    EXPECT_EQ(got.read(file.block(place), 2), (Outcome{read_real, ""})) << "a refused write leaves the series readable";
 }
 
 TEST(MultiElementResults, TheBlockStaysOpenAndNothingElse)

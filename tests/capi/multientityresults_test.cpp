@@ -507,13 +507,13 @@ TEST(MultiEntityResults, OtherSizesThanTheBlockHoldsAreRefused)
     KobFile file;
     const MultiEntityResults written{2};
     ASSERT_EQ(written.write(file), fine);
-    MultiEntityResults wider{1};
+    MultiEntityResults wider{4};
     wider.ncoo = 3;
-    wider.hold(1);
+    wider.hold(4);
     EXPECT_EQ(wider.write(file).status, -6031);
-    const MultiEntityResults complex{1, 32};
+    const MultiEntityResults complex{3, 32};
     EXPECT_EQ(complex.write(file).status, -3020);
-    EXPECT_EQ(stored_reals(file.block(place), "res"), written.res);
+    EXPECT_EQ(listing(everything(file, written)), listing(all_of(written))) << "a refused write leaves it readable";
 }
 
 // ---- selections
@@ -721,11 +721,24 @@ TEST(MultiEntityResultsSelection, APointOutsideIsRefused)
     }
 }
 
+TEST(MultiEntityResultsSelection, ARefusedWriteLeavesTheSeriesReadable)
+{
+    KobFile file;
+    const MultiEntityResults written{2};
+    ASSERT_EQ(written.write(file), fine);
+    MultiEntityResults call;
+    call.hold(1).select(1, {1, 3, 2}, {5, 1, 0}); // an entity too many
+    EXPECT_EQ(call.write_c(file).status, -6031);
+    call.hold(6).select(2, {1}, {5, 3, 0});
+    EXPECT_EQ(call.write_c(file).status, -6032);
+    EXPECT_EQ(listing(everything(file, written)), listing(all_of(written)));
+}
+
 TEST(MultiEntityResultsSelection, AFailedFirstWriteMayBeTriedAgain)
 {
     KobFile file;
     MultiEntityResults call{2};
-    call.select(1, {1, 3, 2}, {0, 1, 0});
+    call.select(1, {1, 3, 2}, {5, 1, 0});
     ASSERT_EQ(call.write_c(file).status, -6031);
     call.s = 2;
     ASSERT_EQ(call.write(file), fine);
