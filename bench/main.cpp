@@ -41,6 +41,16 @@ private:
     std::filesystem::path folder_;
 };
 
+/// A folder in memory if there is one with room for the files, so that no disk has a say; else the one for temporaries.
+std::filesystem::path default_folder()
+{
+    constexpr std::uintmax_t room = 1'000'000'000;
+    const std::filesystem::path in_memory{"/dev/shm"};
+    std::error_code missing;
+    const std::filesystem::space_info space = std::filesystem::space(in_memory, missing);
+    return !missing && space.available >= room ? in_memory : std::filesystem::temp_directory_path();
+}
+
 /// Both programs in turn, the first one changing from run to run, so that a slow spell of the machine meets both.
 Result measure_row(const Row& row, int count, const Scratch& scratch)
 {
@@ -150,12 +160,13 @@ int main(int argc, char** argv)
     int count = 5;
     std::string filter;
     std::string json_file;
-    std::filesystem::path folder = std::filesystem::temp_directory_path();
+    std::filesystem::path folder = default_folder();
     bool verify = false;
     app.add_option("--runs", count, "Runs of each program; medians are shown")->check(CLI::PositiveNumber);
     app.add_option("--filter", filter, "Only work whose name holds this text");
     app.add_option("--json", json_file, "Also write everything, single runs included, to this file");
-    app.add_option("--dir", folder, "Folder for the files, about 0.5 GB")->check(CLI::ExistingDirectory);
+    app.add_option("--dir", folder, "Folder for the files, 0.6 GB at most; else one in memory if there is room")
+        ->check(CLI::ExistingDirectory);
     app.add_flag("--verify", verify, "Measure nothing; check with tiny files that both programs do the same");
     CLI11_PARSE(app, argc, argv);
 
