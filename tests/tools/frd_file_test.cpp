@@ -301,6 +301,14 @@ TEST(FrdFile, results_of_another_kind_are_named_and_left_out)
     EXPECT_THAT(f.outline.results, SizeIs(1));
 }
 
+TEST(FrdFile, results_without_any_node_are_named_and_left_out)
+{
+    Frd f{head + displacement("") + displacement(two_rows) + end};
+    EXPECT_THAT(f.outline.warnings,
+                ElementsAre(HasSubstr("line 5: result DISP announces 2 nodes and holds none: not imported")));
+    EXPECT_THAT(f.outline.results, SizeIs(1));
+}
+
 TEST(FrdFile, a_mesh_block_may_hold_more_than_it_announces)
 {
     Frd f{head + two_nodes.substr(0, 24) + "           0" + two_nodes.substr(36) + end};

@@ -150,7 +150,7 @@ private:
             if (key == " -1") r.ids.push_back(number(line, 3, width));
             if (key == " -1" || key == " -2") values(line, 3 + width, r.values);
         }
-        results.push_back(std::move(r));
+        if (!r.ids.empty()) results.push_back(std::move(r)); // an empty one is left out
     }
 };
 

@@ -504,6 +504,11 @@ private:
                             r.name, kind));
             return;
         }
+        if (r.section.rows == 0) { // the solver does that with models it only half supports
+            out_.warnings.push_back(fmt::format("line {}: result {} announces {} nodes and holds none: not imported",
+                                                header, r.name, std::max<std::int64_t>(r.section.announced, 0)));
+            return;
+        }
         if (r.section.announced >= 0 && r.section.rows != r.section.announced) {
             fail(fmt::format("result {} of line {} announces {} nodes and holds {}", r.name, header,
                              r.section.announced, r.section.rows));
