@@ -2,6 +2,7 @@
 // The verbs of Writer and Reader, in terms of the storage layer.
 #include "kob_block.hpp"
 
+#include <algorithm>
 #include <bit>
 #include <cstring>
 
@@ -96,6 +97,19 @@ std::int32_t product32(std::int32_t a, std::int32_t b)
 
 namespace {
 
+/// Subgroups of a block in the older layout.
+const char* place_name(Where where)
+{
+    switch (where) {
+    case Where::header:
+        return "header";
+    case Where::data:
+        return "data";
+    default:
+        return "index";
+    }
+}
+
 /// What is to be transferred needs an address, and a part of it the selection.
 void require(const void* data, const Shape& shape, const Part& part)
 {
@@ -106,6 +120,31 @@ void require(const void* data, const Shape& shape, const Part& part)
 }
 
 } // namespace
+
+// ---- places
+
+hid_t Places::open(Where where)
+{
+    if (block_.is_current()) {
+        return block_.group;
+    }
+    Id& place = opened_[static_cast<std::size_t>(where)];
+    if (!place && has_link(block_.group, place_name(where))) {
+        place = Id{H5Gopen2(block_.group, place_name(where), H5P_DEFAULT), H5Gclose};
+    }
+    return place.get();
+}
+
+hid_t Places::open_or_create(Where where)
+{
+    hid_t place = open(where);
+    if (place < 0 && block_.group >= 0) {
+        Id& made = opened_[static_cast<std::size_t>(where)];
+        made = Id{H5Gcreate2(block_.group, place_name(where), H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT), H5Gclose};
+        place = made.get();
+    }
+    return place;
+}
 
 // ---- Writer
 
@@ -118,7 +157,7 @@ void Writer::attribute(const char* name, const void* data, std::int32_t type, st
         throw NullArgument{};
     }
     const hsize_t one = 1;
-    status_ = KOB_H5Awrite(name, data, type, size, size, &one, 0, block_, place_, &shared_);
+    status_ = KOB_H5Awrite(name, data, type, size, size, &one, 0, place(Where::header), place_, &shared_);
 }
 
 void Writer::dataset(const char* name, const void* data, std::int32_t type, std::size_t data_size, std::size_t kob_size,
@@ -131,12 +170,19 @@ void Writer::dataset(const char* name, const void* data, std::int32_t type, std:
     const Shape given = part.is_whole() ? shape : shape.without_markers();
     status_ =
         KOB_H5Dwrite(name, data, type, data_size, kob_size, given.dims(), given.rank(), part.count, part.start,
-                     part.mode, block_, flags, filters_.params.data(),
+                     part.mode, place(where_), flags, filters_.params.data(),
                      {.place = place_, .origin = part.origin, .leading_extent = &leading_extent_, .shared = &shared_});
 }
 
 void Writer::frame(const BlockKind& kind, std::int32_t key)
 {
+    if (!is_current()) {
+        keeps_state_index_ = kind.has_state_index;
+        place(Where::data);
+        if (keeps_state_index_) {
+            place(Where::index); // constant blocks have an empty one
+        }
+    }
     std::array<char, name_length> name{};
     fill_field(name.data(), name.size(), kind.name, '\0');
     integer("block", &key);
@@ -201,11 +247,9 @@ void Writer::fail(std::int32_t status)
 
 // ---- Reader
 
-Reader::Reader(hid_t block, const BlockKind& kind) : block_{block}, kind_{kind}
+Reader::Reader(Location block, const BlockKind& kind) : places_{block}, kind_{kind}
 {
-    if (block_ < 0) {
-        report_error(message::header_not_found);
-        status_ = -1;
+    if (place(Where::header) < 0) {
         return;
     }
     integer("block", &key_);
@@ -215,19 +259,33 @@ Reader::Reader(hid_t block, const BlockKind& kind) : block_{block}, kind_{kind}
     status_ = -1;
     if (kind_.complex_key != 0) {
         report_error(message::wrong_key_of_two, key_, kind_.key, kind_.complex_key);
-        return;
-    }
-    switch (kind_.wording) {
-    case KeyWording::usual:
-        report_error(message::wrong_key, key_, kind_.key);
-        break;
-    case KeyWording::lower_case:
-        report_error(message::wrong_key_lower_case, key_, kind_.key);
-        break;
-    case KeyWording::swapped:
+    } else if (kind_.wording == KeyWording::swapped) {
         report_error(message::wrong_key_swapped, key_, kind_.key);
-        break;
+    } else if (kind_.wording == KeyWording::lower_case && is_current()) {
+        report_error(message::wrong_key_lower_case, key_, kind_.key);
+    } else {
+        report_error(message::wrong_key, key_, kind_.key);
     }
+}
+
+hid_t Reader::place(Where where)
+{
+    const hid_t found = places_.open(where);
+    if (found < 0 && status_ >= 0) {
+        switch (where) {
+        case Where::header:
+            report_error(message::header_not_found);
+            break;
+        case Where::data:
+            report_error(message::data_not_found);
+            break;
+        case Where::index:
+            report_error(message::index_not_found);
+            break;
+        }
+        status_ = -1;
+    }
+    return found;
 }
 
 void Reader::attribute(const char* name, void* data, std::int32_t type, std::size_t size)
@@ -239,7 +297,7 @@ void Reader::attribute(const char* name, void* data, std::int32_t type, std::siz
         throw NullArgument{};
     }
     const hsize_t one = 1;
-    status_ = KOB_H5Aread(name, data, type, size, &one, 0, block_, nullptr);
+    status_ = KOB_H5Aread(name, data, type, size, &one, 0, place(Where::header), nullptr);
 }
 
 void Reader::dataset(const char* name, void* data, std::int32_t type, std::size_t size, const Shape& shape,
@@ -249,10 +307,14 @@ void Reader::dataset(const char* name, void* data, std::int32_t type, std::size_
         return;
     }
     require(data, shape, part);
+    const hid_t location = place(where_);
+    if (location < 0) {
+        return;
+    }
     constexpr std::int32_t untouched = -1;
     Found found{name, untouched, {}};
-    status_ = KOB_H5Dread(name, data, type, size, shape.dims(), shape.rank(), part.count, part.start, part.mode, block_,
-                          &found.flags, found.params.data(), nullptr);
+    status_ = KOB_H5Dread(name, data, type, size, shape.dims(), shape.rank(), part.count, part.start, part.mode,
+                          location, &found.flags, found.params.data(), nullptr);
     if (status_ == 0 && found.flags != untouched) {
         found_.push_back(std::move(found));
     }
@@ -298,10 +360,22 @@ void Reader::single(const char* name, Arg<Reader, std::int32_t> number)
     if (status_ < 0) {
         return;
     }
-    if (has_attribute(block_, name)) {
+    if (has_attribute(place(Where::header), name)) {
         integer(name, number);
-    } else if (has_link(block_, name)) {
+    } else if (has_link(place(where_), name)) {
         dataset(name, number.get(), type_code::integer, sizeof(std::int32_t), Shape{}, {});
+    }
+}
+
+void Reader::states(const char* name, Arg<Reader, std::int32_t> number, const char* values)
+{
+    if (is_current()) {
+        integer(name, number);
+        return;
+    }
+    const std::int64_t held = std::max<std::int64_t>(count_rows(places_.open(Where::data), values), 0);
+    if (status_ >= 0 && number.get() != nullptr) {
+        *number.get() = static_cast<std::int32_t>(std::min<std::int64_t>(held, INT32_MAX));
     }
 }
 
@@ -327,12 +401,7 @@ void Reader::unknown_pass()
     }
 }
 
-void Reader::report_filters(std::int32_t* filter_flags, std::int32_t* filter_params) const
-{
-    report_filters_of(found_.empty() ? "" : found_.back().name.c_str(), filter_flags, filter_params);
-}
-
-void Reader::report_filters_of(const char* name, std::int32_t* filter_flags, std::int32_t* filter_params) const
+void Reader::report_filters(const char* name, std::int32_t* filter_flags, std::int32_t* filter_params) const
 {
     if (status_ < 0) {
         return;
@@ -340,7 +409,7 @@ void Reader::report_filters_of(const char* name, std::int32_t* filter_flags, std
     std::int32_t flags = 0;
     std::array<std::int32_t, 2> params{};
     for (const Found& found : found_) {
-        if (found.name == name) {
+        if (name == nullptr || found.name == name) {
             flags = found.flags;
             params = found.params;
         }
@@ -372,10 +441,10 @@ void Linker::fail(std::int32_t status)
 
 // ---- placement of blocks
 
-Placed place_block(hid_t parent, const BlockPath& path)
+Placed place_block(Location parent, const BlockPath& path)
 {
-    OpenedGroup opened = open_block_group(parent, path, io_flag::create);
-    return {std::move(opened.group), opened.status};
+    OpenedGroup opened = open_block_group(parent.group, path, io_flag::create);
+    return {std::move(opened.group), opened.status, parent.generation};
 }
 
 Validity validity_of(const StateIndex<Writer>& index, const std::int32_t* state)

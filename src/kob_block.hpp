@@ -140,15 +140,56 @@ std::int32_t sum32(const std::int32_t* entries, std::int32_t count);
 /// Product in 32 bits by contract: it wraps.
 std::int32_t product32(std::int32_t a, std::int32_t b);
 
+/// A group, and the generation of the layout that it is in or shall be written in.
+struct Location {
+    hid_t group;
+    Generation generation = Generation::current;
+
+    Location(hid_t handle, Generation layout = Generation::current) // NOLINT(google-explicit-constructor)
+        : group{handle}, generation{layout}
+    {
+    }
+    [[nodiscard]] bool is_current() const { return generation == Generation::current; }
+};
+
+/// The location behind a handle argument of the older family.
+inline Location older(const std::int64_t* handle) { return {value(handle), Generation::older}; }
+
+/// The three places of a block: one group in the current layout, a subgroup each in the older one.
+enum class Where : std::size_t { header, data, index };
+
+/// A block's places, opened when they are first needed.
+class Places {
+public:
+    explicit Places(Location block) : block_{block} {}
+
+    [[nodiscard]] Location block() const { return block_; }
+    /// The group of a place, negative when it is not there.
+    hid_t open(Where where);
+    /// The group of a place, made when it is not there.
+    hid_t open_or_create(Where where);
+
+private:
+    Location block_;
+    std::array<Id, 3> opened_;
+};
+
 /// Writes the items of one block.
 class Writer {
 public:
     static constexpr bool writes = true;
 
-    Writer(hid_t block, Filters filters, std::size_t float_size, Place place = Place::unknown)
-        : block_{block}, filters_{filters}, float_size_{float_size}, place_{place}
+    Writer(Location block, Filters filters, std::size_t float_size, Place place = Place::unknown)
+        : places_{block}, filters_{filters}, float_size_{float_size}, place_{place}
     {
     }
+
+    [[nodiscard]] bool is_current() const { return places_.block().is_current(); }
+    [[nodiscard]] bool keeps_state_index() const { return keeps_state_index_; }
+    /// The place that the datasets from here on go to.
+    void enter(Where where) { where_ = where; }
+    /// The group that holds the datasets of a place.
+    hid_t place(Where where) { return places_.open_or_create(where); }
 
     // attributes
     void frame(const BlockKind& kind, std::int32_t key);
@@ -177,7 +218,9 @@ private:
     void dataset(const char* name, const void* data, std::int32_t type, std::size_t data_size, std::size_t kob_size,
                  const Shape& shape, const Part& part, std::int32_t flags);
 
-    hid_t block_;
+    Places places_;
+    Where where_ = Where::data;
+    bool keeps_state_index_ = true;
     Filters filters_;
     std::size_t float_size_;
     Place place_;
@@ -192,7 +235,12 @@ public:
     static constexpr bool writes = false;
 
     /// Checks the handle and the block's key, printing what is wrong with them.
-    Reader(hid_t block, const BlockKind& kind);
+    Reader(Location block, const BlockKind& kind);
+
+    [[nodiscard]] bool is_current() const { return places_.block().is_current(); }
+    [[nodiscard]] bool keeps_state_index() const { return is_current() || kind_.has_state_index; }
+    /// The place that the datasets from here on come from.
+    void enter(Where where) { where_ = where; }
 
     // attributes
     void text(const char* name, Arg<Reader, char> field, std::size_t length = name_length);
@@ -209,6 +257,8 @@ public:
     {
         reals(name, numbers, shape, part);
     }
+    /// Number of states of a series: the older layout goes by what `values` holds, whatever the attribute says.
+    void states(const char* name, Arg<Reader, std::int32_t> number, const char* values);
     /// A scalar dataset; older files hold an attribute of that name instead, and a file may hold neither.
     void single(const char* name, Arg<Reader, std::int32_t> number);
 
@@ -224,10 +274,8 @@ public:
     /// Reports a pass that the block does not know.
     void unknown_pass();
 
-    /// Filters of the last dataset that was really read.
-    void report_filters(std::int32_t* filter_flags, std::int32_t* filter_params) const;
-    /// Filters of a dataset by name; none when it was skipped.
-    void report_filters_of(const char* name, std::int32_t* filter_flags, std::int32_t* filter_params) const;
+    /// Filters of a dataset by name, none when it was skipped; without a name, of the last one that was really read.
+    void report_filters(const char* name, std::int32_t* filter_flags, std::int32_t* filter_params) const;
 
 private:
     struct Found {
@@ -240,7 +288,11 @@ private:
     void dataset(const char* name, void* data, std::int32_t type, std::size_t size, const Shape& shape,
                  const Part& part);
 
-    hid_t block_;
+    /// A place, or -1 as the status after the line about its absence.
+    hid_t place(Where where);
+
+    Places places_;
+    Where where_ = Where::data;
     BlockKind kind_;
     std::int32_t key_ = 0;
     std::int32_t status_ = 0;
@@ -271,23 +323,40 @@ private:
 struct Placed {
     Id group;
     std::int32_t status = 0; ///< positive: the block is new; 0: it was there
+    Generation generation = Generation::current;
 
     [[nodiscard]] bool is_new() const { return status > 0; }
-    [[nodiscard]] Place place() const { return status > 0 ? Place::fresh : Place::unknown; }
+    [[nodiscard]] Place place() const { return is_new() ? Place::fresh : Place::unknown; }
+    [[nodiscard]] Location location() const { return {group.get(), generation}; }
 };
-Placed place_block(hid_t parent, const BlockPath& path);
+Placed place_block(Location parent, const BlockPath& path);
 
-/// Writes a block that must not exist yet: `describe(Writer&)` lists its items after the frame.
-/// The block's group stays open when that went well: it is the caller's, until the file is closed.
-template <class Describe>
-std::int32_t write_new_block(hid_t parent, const BlockKind& kind, const BlockPath& path, const Filters& filters,
-                             std::size_t float_size, Describe&& describe)
+/// Walks all items of a block but its frame, in the order of the layout.
+template <class Block> void write_items(Writer& io, const Block& b)
+{
+    attributes(io, b);
+    if constexpr (requires { b.index; }) {
+        values(io, b.index);
+    }
+    if constexpr (requires { identifiers(io, b); }) {
+        identifiers(io, b);
+    }
+    if constexpr (requires { values(io, b); }) {
+        values(io, b);
+    }
+}
+
+/// Writes a block that must not exist yet. Its group stays open when that went well: it is the caller's, until the file
+/// is closed.
+template <class Block>
+std::int32_t write_new_block(Location parent, const BlockKind& kind, const BlockPath& path, const Filters& filters,
+                             std::size_t float_size, const Block& b)
 {
     Placed placed = place_block(parent, path);
     if (placed.status < 0) {
         return placed.status;
     }
-    if (placed.status == 0) {
+    if (!placed.is_new()) {
         report_error(message::already_exists, kind.key, kind.name);
         return -1;
     }
@@ -295,9 +364,9 @@ std::int32_t write_new_block(hid_t parent, const BlockKind& kind, const BlockPat
         report_error(message::writing_key, kind.key);
         return static_cast<std::int32_t>(placed.group.get());
     }
-    Writer io{placed.group.get(), filters, float_size, Place::fresh};
+    Writer io{placed.location(), filters, float_size, Place::fresh};
     io.frame(kind, kind.key);
-    describe(io);
+    write_items(io, b);
     if (io.ok()) {
         placed.group.release();
     }
@@ -307,7 +376,7 @@ std::int32_t write_new_block(hid_t parent, const BlockKind& kind, const BlockPat
 /// Writes into a block that may exist already, and keeps its group open when that went well.
 /// `describe(Writer&, const Placed&)` lists all items, frame included.
 template <class Describe>
-std::int32_t write_open_block(hid_t parent, const BlockKind& kind, const BlockPath& path, const Filters& filters,
+std::int32_t write_open_block(Location parent, const BlockKind& kind, const BlockPath& path, const Filters& filters,
                               std::size_t float_size, Describe&& describe)
 {
     Placed placed = place_block(parent, path);
@@ -318,7 +387,7 @@ std::int32_t write_open_block(hid_t parent, const BlockKind& kind, const BlockPa
         report_error(message::writing_name, kind.name);
         return static_cast<std::int32_t>(placed.group.get());
     }
-    Writer io{placed.group.get(), filters, float_size, placed.place()};
+    Writer io{placed.location(), filters, float_size, placed.place()};
     describe(io, placed);
     if (io.ok()) {
         placed.group.release();
@@ -336,22 +405,32 @@ template <class Io> struct StateIndex {
 
 template <class Io> void attributes(Io& io, const StateIndex<Io>& index)
 {
+    if (!io.keeps_state_index()) {
+        return;
+    }
     io.integer("nindex", index.nindex);
-    io.integer("indexic", index.indexic);
+    if (io.is_current()) {
+        io.integer("indexic", index.indexic);
+    }
 }
 
 template <class Io> void values(Io& io, const StateIndex<Io>& index)
 {
-    if (io.ok() && (Io::writes || *index.nindex > 0)) {
+    if (!io.ok() || !io.keeps_state_index()) {
+        return;
+    }
+    if (Io::writes || *index.nindex > 0) {
+        io.enter(Where::index);
         io.integers("indexident", index.indexident, {*index.nindex});
         io.exact_reals("indexval", index.indexval.get(), {*index.nindex});
+        io.enter(Where::data);
     }
 }
 
 /// Reads the sections of a model block that may belong to a state. The key stays the status until something is read.
 /// The filters are those of the dataset `reported`, else of the last one that was read.
 template <class Block>
-std::int32_t read_sections(hid_t block, const BlockKind& kind, const Block& b, std::int32_t sections,
+std::int32_t read_sections(Location block, const BlockKind& kind, const Block& b, std::int32_t sections,
                            std::int32_t* filter_flags, std::int32_t* filter_params, const char* reported = nullptr)
 {
     Reader io{block, kind};
@@ -362,47 +441,71 @@ std::int32_t read_sections(hid_t block, const BlockKind& kind, const Block& b, s
     if (io.ok() && section::has(sections, section::state_index)) {
         values(io, b.index);
     }
+    if constexpr (requires { identifiers(io, b); }) {
+        if (io.ok() && section::has(sections, section::identifiers)) {
+            identifiers(io, b);
+        }
+    }
     if (io.ok() && section::has(sections, section::values)) {
         values(io, b);
-        if (reported != nullptr) {
-            io.report_filters_of(reported, filter_flags, filter_params);
-        } else {
-            io.report_filters(filter_flags, filter_params);
-        }
+        io.report_filters(reported, filter_flags, filter_params);
     }
     return io.status();
 }
 
-/// Goes on after the attributes by pass: 0 reads the state index too, 1 nothing more, 2 everything.
-template <class Index, class Values, class ReportFilters>
-std::int32_t read_pass(Reader& io, std::int32_t pass, const Index& index, Values&& read_values,
-                       ReportFilters&& report_filters)
+/// Reads a block that belongs to no state, in two passes: 1 attributes, 2 everything.
+template <class Block>
+std::int32_t read_two_passes(Location block, const BlockKind& kind, const Block& b, std::int32_t pass,
+                             std::int32_t* filter_flags, std::int32_t* filter_params, const char* reported = nullptr)
 {
+    Reader io{block, kind};
+    attributes(io, b);
+    if (pass == 1) {
+        return io.status();
+    }
+    if (pass != 2) {
+        io.unknown_pass();
+    }
+    values(io, b);
+    io.report_filters(reported, filter_flags, filter_params);
+    return io.status();
+}
+
+/// Reads a block by pass: 0 attributes and state index, 1 attributes, 2 everything. The older layout has no pass 0.
+/// The filters are those of the dataset `reported`, else of the last one that was read.
+template <class Block>
+std::int32_t read_passes(Location block, const BlockKind& kind, const Block& b, std::int32_t pass,
+                         std::int32_t* filter_flags, std::int32_t* filter_params, const char* reported = nullptr)
+{
+    Reader io{block, kind};
+    attributes(io, b);
     if (!io.ok() || pass == 1) {
         return io.status();
     }
-    if (pass != 0 && pass != 2) {
+    if (pass != 2 && (pass != 0 || !io.is_current())) {
         io.unknown_pass();
         return io.status();
     }
     if (pass == 2) {
-        read_values();
+        if constexpr (requires { identifiers(io, b); }) {
+            identifiers(io, b);
+        }
+        values(io, b);
     }
-    values(io, index);
+    values(io, b.index);
     if (pass == 2) {
-        report_filters();
+        io.report_filters(reported, filter_flags, filter_params);
     }
     return io.status();
 }
 
-/// Reads a block of real or complex values by pass: 0 attributes and state index, 1 attributes, 2 everything. The key
-/// found is the status. `read_values(Reader&)` reads all but the state index; "res" tells the filters.
-template <class Block, class Index, class Values>
-std::int32_t read_passes_of_two_keys(hid_t block, const BlockKind& kind, std::int32_t pass, const Block& b,
-                                     const Index& index, Values&& read_values, std::int32_t* filter_flags,
-                                     std::int32_t* filter_params)
+/// Reads a block of real or complex values by pass, as above; the key found is the status, and "res" tells the filters.
+/// `read_values(Reader&)` reads all but the state index.
+template <class Block, class Values>
+std::int32_t read_passes_of_two_keys(Location block, const BlockKind& kind, const Block& b, std::int32_t pass,
+                                     Values&& read_values, std::int32_t* filter_flags, std::int32_t* filter_params)
 {
-    if (pass < 0 || pass > 2) {
+    if (pass < (block.is_current() ? 0 : 1) || pass > 2) {
         report_error(message::reading_pass_of_two, kind.key, kind.complex_key);
         return -3;
     }
@@ -412,10 +515,10 @@ std::int32_t read_passes_of_two_keys(hid_t block, const BlockKind& kind, std::in
         read_values(io);
     }
     if (io.ok() && pass != 1) {
-        values(io, index);
+        values(io, b.index);
     }
     if (pass == 2) {
-        io.report_filters_of("res", filter_flags, filter_params);
+        io.report_filters("res", filter_flags, filter_params);
     }
     io.key_as_status();
     return io.status();

@@ -16,6 +16,7 @@ struct BlockKind {
     const char* name; ///< "blocktype", and a component of most paths
     std::int32_t complex_key = 0;
     KeyWording wording = KeyWording::usual;
+    bool has_state_index = true; ///< the older layout keeps it in a subgroup of its own
 
     [[nodiscard]] constexpr bool owns(std::int32_t candidate) const
     {
@@ -26,11 +27,13 @@ struct BlockKind {
 
 namespace kind {
 constexpr std::int32_t file_header = 1; // listed like a block, but a group of its own
-constexpr BlockKind system{10, "system"};
-constexpr BlockKind index{20, "indices"};
-constexpr BlockKind variable{30, "variable"};
-constexpr BlockKind variable_group{32, "variablegroup"};
+constexpr BlockKind system{.key = 10, .name = "system", .has_state_index = false};
+constexpr BlockKind index{.key = 20, .name = "indices", .has_state_index = false};
+constexpr BlockKind variable{.key = 30, .name = "variable", .has_state_index = false};
+constexpr BlockKind older_variables{.key = 30, .name = "variables", .has_state_index = false};
+constexpr BlockKind variable_group{.key = 32, .name = "variablegroup", .has_state_index = false};
 constexpr BlockKind text{40, "text"};
+constexpr BlockKind older_text{.key = 40, .name = "text", .has_state_index = false};
 constexpr BlockKind parts{100, "parts", 0, KeyWording::lower_case};
 constexpr BlockKind attributes{200, "attributes", 0, KeyWording::lower_case};
 constexpr BlockKind identifiers{250, "identifiers", 0, KeyWording::lower_case};

@@ -124,7 +124,7 @@ struct MatrixName {
 };
 
 template <class Matrix>
-std::int32_t write_matrix(hid_t group, const BlockKind& kind, const Matrix& b, const MatrixName& name,
+std::int32_t write_matrix(Location group, const BlockKind& kind, const Matrix& b, const MatrixName& name,
                           const std::int32_t* state, const Filters& filters, std::int32_t value_size, const Part& part)
 {
     Placed placed =
@@ -138,7 +138,7 @@ std::int32_t write_matrix(hid_t group, const BlockKind& kind, const Matrix& b, c
     }
     const ValueSize size = value_size_of(value_size);
     const std::int32_t key = kind.key_of(size.complex);
-    Writer io{placed.group.get(), filters, size.stored, placed.place()};
+    Writer io{placed.location(), filters, size.stored, placed.place()};
     if (placed.is_new()) {
         io.frame(kind, key);
         attributes(io, b);
@@ -155,11 +155,11 @@ std::int32_t write_matrix(hid_t group, const BlockKind& kind, const Matrix& b, c
 
 /// Passes: 0 attributes and state index, 1 attributes, 2 everything, 3 a block of the values, 4 points of them.
 template <class Matrix>
-std::int32_t read_matrix(hid_t block, const BlockKind& kind, const Matrix& b, std::int32_t pass,
+std::int32_t read_matrix(Location block, const BlockKind& kind, const Matrix& b, std::int32_t pass,
                          std::int32_t* filter_flags, std::int32_t* filter_params, const std::int64_t* count,
                          const std::int64_t* start)
 {
-    if (pass < 0 || pass > 4) {
+    if (pass < (block.is_current() ? 0 : 1) || pass > 4) {
         report_error(message::reading_pass_of_two, kind.key, kind.complex_key);
         return wrong_pass;
     }
@@ -173,7 +173,7 @@ std::int32_t read_matrix(hid_t block, const BlockKind& kind, const Matrix& b, st
     if (pass >= 2) {
         structure(io, b);
         values(io, b, io.is_complex(), pass == 2 ? Part{} : Part{pass - 2, count, start});
-        io.report_filters_of("val", filter_flags, filter_params);
+        io.report_filters("val", filter_flags, filter_params);
     }
     io.key_as_status();
     return io.status();
@@ -271,6 +271,98 @@ void KOB_READ_SPARSEMATRIX(const int64_t* block, const int32_t* pass, char* etyp
         const SparseMatrix<Reader> b{
             {etyp, entid, etypvar}, nrow, nnz, {nindex, indexic, indexident, indexval}, colind, rowptr, val};
         return read_matrix(value(block), kind::sparse_matrix, b, value(pass), filter_flags, filter_params, count,
+                           start);
+    });
+}
+
+// ---- older layout
+
+void KOB1_WRITE_DENSEMATRIX(const int64_t* group, const char* etyp, const int32_t* entid, const char* etypvar,
+                            const int32_t* nrow, const int32_t* ncolumn, const int32_t* nindex,
+                            const int32_t* indexident, const double* indexval, const double* val, const int32_t* state,
+                            const int32_t* filter_flags, const int32_t* filter_params, const int32_t* value_size,
+                            const int32_t* mode, const int64_t* count, const int64_t* start, int32_t* status, int32_t,
+                            int32_t)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const DenseMatrix<Writer> b{
+            {etyp, entid, etypvar}, nrow, ncolumn, {nindex, nullptr, indexident, indexval}, val};
+        return write_matrix(older(group), kind::dense_matrix, b, {etyp, value(entid), etypvar}, state,
+                            {filter_flags, filter_params}, value(value_size), {value(mode), count, start});
+    });
+}
+
+void KOB1_READ_DENSEMATRIX(const int64_t* block, const int32_t* pass, char* etyp, int32_t* entid, char* etypvar,
+                           int32_t* nrow, int32_t* ncolumn, int32_t* nindex, int32_t* indexident, double* indexval,
+                           double* val, int32_t* filter_flags, int32_t* filter_params, const int64_t* count,
+                           const int64_t* start, int32_t* status, int32_t, int32_t)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const DenseMatrix<Reader> b{
+            {etyp, entid, etypvar}, nrow, ncolumn, {nindex, nullptr, indexident, indexval}, val};
+        return read_matrix(older(block), kind::dense_matrix, b, value(pass), filter_flags, filter_params, count, start);
+    });
+}
+
+void KOB1_WRITE_TRIANGULARMATRIX(const int64_t* group, const char* etyp, const int32_t* entid, const char* etypvar,
+                                 const int32_t* nsize, const int32_t* matrixtype, const int32_t* nindex,
+                                 const int32_t* indexident, const double* indexval, const double* val,
+                                 const int32_t* state, const int32_t* filter_flags, const int32_t* filter_params,
+                                 const int32_t* value_size, const int32_t* mode, const int64_t* count,
+                                 const int64_t* start, int32_t* status, int32_t, int32_t)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const TriangularMatrix<Writer> b{
+            {etyp, entid, etypvar}, nsize, matrixtype, {nindex, nullptr, indexident, indexval}, val};
+        return write_matrix(older(group), kind::triangular_matrix, b, {etyp, value(entid), etypvar}, state,
+                            {filter_flags, filter_params}, value(value_size), {value(mode), count, start});
+    });
+}
+
+void KOB1_READ_TRIANGULARMATRIX(const int64_t* block, const int32_t* pass, char* etyp, int32_t* entid, char* etypvar,
+                                int32_t* nsize, int32_t* matrixtype, int32_t* nindex, int32_t* indexident,
+                                double* indexval, double* val, int32_t* filter_flags, int32_t* filter_params,
+                                const int64_t* count, const int64_t* start, int32_t* status, int32_t, int32_t)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const TriangularMatrix<Reader> b{
+            {etyp, entid, etypvar}, nsize, matrixtype, {nindex, nullptr, indexident, indexval}, val};
+        return read_matrix(older(block), kind::triangular_matrix, b, value(pass), filter_flags, filter_params, count,
+                           start);
+    });
+}
+
+void KOB1_WRITE_SPARSEMATRIX(const int64_t* group, const char* etyp, const int32_t* entid, const char* etypvar,
+                             const int32_t* nrow, const int64_t* nnz, const int32_t* nindex, const int32_t* indexident,
+                             const double* indexval, const int32_t* colind, const int64_t* rowptr, const double* val,
+                             const int32_t* state, const int32_t* filter_flags, const int32_t* filter_params,
+                             const int32_t* value_size, const int32_t* mode, const int64_t* count, const int64_t* start,
+                             int32_t* status, int32_t, int32_t)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const SparseMatrix<Writer> b{
+            {etyp, entid, etypvar}, nrow, nnz, {nindex, nullptr, indexident, indexval}, colind, rowptr, val};
+        return write_matrix(older(group), kind::sparse_matrix, b, {etyp, value(entid), etypvar}, state,
+                            {filter_flags, filter_params}, value(value_size), {value(mode), count, start});
+    });
+}
+
+void KOB1_READ_SPARSEMATRIX(const int64_t* block, const int32_t* pass, char* etyp, int32_t* entid, char* etypvar,
+                            int32_t* nrow, int64_t* nnz, int32_t* nindex, int32_t* indexident, double* indexval,
+                            int32_t* colind, int64_t* rowptr, double* val, int32_t* filter_flags,
+                            int32_t* filter_params, const int64_t* count, const int64_t* start, int32_t* status,
+                            int32_t, int32_t)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const SparseMatrix<Reader> b{
+            {etyp, entid, etypvar}, nrow, nnz, {nindex, nullptr, indexident, indexval}, colind, rowptr, val};
+        return read_matrix(older(block), kind::sparse_matrix, b, value(pass), filter_flags, filter_params, count,
                            start);
     });
 }

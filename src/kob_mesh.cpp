@@ -2,10 +2,13 @@
 // Blocks that describe the mesh: connectivities, parts, attributes and identifiers, collectors.
 #include "kob_block.hpp"
 #include "kob_dp.h"
-#include "kob_sections.hpp"
+#include "kob_units.hpp"
 
 namespace kob {
 namespace {
+
+/// Titles of the older layout; the current one lets the caller choose.
+constexpr std::int32_t older_title_length = name_length;
 
 // ---- connectivities
 
@@ -27,11 +30,14 @@ template <class Io> struct Connectivities {
     Arg<Io, std::int32_t> ic;     ///< [nele, npele]
     Arg<Io, std::int32_t> iparam; ///< [nele, nbint]
     Arg<Io, double> fparam;       ///< [nele, nbfloat]
+    Units<Io> units{};            ///< of nbfloat parameters; in the older layout, which names no variable group
 };
 
 template <class Io> void attributes(Io& io, const Connectivities<Io>& b)
 {
-    io.text("etyp", b.etyp);
+    if (io.is_current()) {
+        io.text("etyp", b.etyp);
+    }
     io.text("etypelem", b.etypelem);
     io.text("etyppart", b.etyppart);
     io.text("etypnode", b.etypnode);
@@ -40,7 +46,7 @@ template <class Io> void attributes(Io& io, const Connectivities<Io>& b)
     io.integer("ndim", b.ndim);
     io.integer("nbint", b.nbint);
     io.integer("nbfloat", b.nbfloat);
-    if (io.ok() && *b.nbfloat > 0) {
+    if (io.is_current() && io.ok() && *b.nbfloat > 0) {
         io.text("etypvar", b.etypvar);
     }
     attributes(io, b.index);
@@ -48,15 +54,23 @@ template <class Io> void attributes(Io& io, const Connectivities<Io>& b)
 
 template <class Io> void identifiers(Io& io, const Connectivities<Io>& b)
 {
-    io.integers("idele", b.idele, {*b.nele});
-    io.integers("pid", b.pid, {*b.nele});
+    if (io.ok()) {
+        io.integers("idele", b.idele, {*b.nele});
+        io.integers("pid", b.pid, {*b.nele});
+    }
 }
 
 template <class Io> void values(Io& io, const Connectivities<Io>& b)
 {
+    if (!io.ok()) {
+        return;
+    }
     io.integers("ic", b.ic, {*b.nele, *b.npele});
     io.integers("iparam", b.iparam, {*b.nele, *b.nbint});
     io.exact_reals("fparam", b.fparam.get(), {*b.nele, *b.nbfloat});
+    if (!io.is_current()) {
+        values(io, b.units, *b.nbfloat);
+    }
 }
 
 // ---- parts
@@ -75,11 +89,12 @@ template <class Io> struct Parts {
     Arg<Io, std::int32_t> off;    ///< mask of absent columns
     Arg<Io, std::int32_t> length; ///< characters of a title, 0 or less for none
     StateIndex<Io> index;
-    Arg<Io, std::int32_t> pid;  ///< [npart]
-    Arg<Io, char> title;        ///< [npart] texts of `length` characters
-    Arg<Io, std::int32_t> mid;  ///< [npart]
-    Arg<Io, std::int32_t> mtyp; ///< [npart]
-    Arg<Io, std::int32_t> pcol; ///< [npart]
+    Arg<Io, std::int32_t> pid;     ///< [npart]
+    Arg<Io, char> title;           ///< [npart] texts of `length` characters
+    Arg<Io, std::int32_t> mid;     ///< [npart]
+    Arg<Io, std::int32_t> mtyp;    ///< [npart]
+    Arg<Io, std::int32_t> pcol;    ///< [npart]
+    Arg<Io, std::int32_t> pvtyp{}; ///< [npart]; in the older layout
 };
 
 template <class Io> void attributes(Io& io, const Parts<Io>& b)
@@ -87,12 +102,17 @@ template <class Io> void attributes(Io& io, const Parts<Io>& b)
     io.text("etyppart", b.etyppart);
     io.integer("npart", b.npart);
     io.integer("off", b.off);
-    io.integer("length", b.length);
+    if (io.is_current()) {
+        io.integer("length", b.length);
+    }
     attributes(io, b.index);
 }
 
 template <class Io> void values(Io& io, const Parts<Io>& b)
 {
+    if (!io.ok()) {
+        return;
+    }
     io.integers("pid", b.pid, {*b.npart});
     if (*b.length > 0) {
         io.texts("title", b.title, {*b.npart}, *b.length);
@@ -105,6 +125,9 @@ template <class Io> void values(Io& io, const Parts<Io>& b)
     }
     if ((*b.off & absent_column::colour) == 0) {
         io.integers("pcol", b.pcol, {*b.npart});
+    }
+    if (!io.is_current()) {
+        io.integers("pvtyp", b.pvtyp, {*b.npart});
     }
 }
 
@@ -127,12 +150,17 @@ template <class Io> void attributes(Io& io, const Entities<Io>& b)
     io.text("etyp", b.etyp);
     io.integer("nent", b.nent);
     io.integer("nuid", b.nuid);
-    io.integer("length", b.length);
+    if (io.is_current()) {
+        io.integer("length", b.length);
+    }
     attributes(io, b.index);
 }
 
 template <class Io> void values(Io& io, const Entities<Io>& b)
 {
+    if (!io.ok()) {
+        return;
+    }
     io.integers("entid", b.entid, {*b.nent});
     if (*b.length > 0) {
         io.texts("title", b.title, {*b.nent}, *b.length);
@@ -140,17 +168,6 @@ template <class Io> void values(Io& io, const Entities<Io>& b)
     if (*b.nuid > 0) {
         io.integers("uid", b.uid, {*b.nent, *b.nuid});
     }
-}
-
-std::int32_t write_entities(hid_t group, const BlockKind& kind, const Entities<Writer>& b, const char* etyp,
-                            const std::int32_t* state, const Filters& filters, const std::int32_t* float_size)
-{
-    return write_new_block(group, kind, {validity_of(b.index, state), {kind.name, etyp}}, filters,
-                           stored_float(float_size), [&](Writer& io) {
-                               attributes(io, b);
-                               values(io, b.index);
-                               values(io, b);
-                           });
 }
 
 // ---- collector
@@ -221,12 +238,7 @@ void KOB_WRITE_CONNECTIVITIES(const int64_t* group, const char* etyp, const char
                                        fparam};
         return write_new_block(value(group), kind::connectivities,
                                {validity_of(b.index, state), {kind::connectivities.name, etypelem}},
-                               {filter_flags, filter_params}, stored_float(float_size), [&](Writer& io) {
-                                   attributes(io, b);
-                                   values(io, b.index);
-                                   identifiers(io, b);
-                                   values(io, b);
-                               });
+                               {filter_flags, filter_params}, stored_float(float_size), b);
     });
 }
 
@@ -254,22 +266,7 @@ void KOB_READ_CONNECTIVITIES(const int64_t* block, const int32_t* mode, char* et
                                        ic,
                                        iparam,
                                        fparam};
-        Reader io{value(block), kind::connectivities};
-        io.key_as_status();
-        if (section::has(value(mode), section::attributes)) {
-            attributes(io, b);
-        }
-        if (io.ok() && section::has(value(mode), section::state_index)) {
-            values(io, b.index);
-        }
-        if (io.ok() && section::has(value(mode), section::identifiers)) {
-            identifiers(io, b);
-        }
-        if (io.ok() && section::has(value(mode), section::values)) {
-            values(io, b);
-            io.report_filters_of("fparam", filter_flags, filter_params);
-        }
-        return io.status();
+        return read_sections(value(block), kind::connectivities, b, value(mode), filter_flags, filter_params, "fparam");
     });
 }
 
@@ -284,11 +281,7 @@ void KOB_WRITE_PARTS(const int64_t* group, const char* etyppart, const int32_t* 
         const Parts<Writer> b{etyppart, npart, off, length, {nindex, indexic, indexident, indexval},
                               pid,      title, mid, mtyp,   pcol};
         return write_new_block(value(group), kind::parts, {validity_of(b.index, state), {kind::parts.name, etyppart}},
-                               {filter_flags, filter_params}, stored_float(float_size), [&](Writer& io) {
-                                   attributes(io, b);
-                                   values(io, b.index);
-                                   values(io, b);
-                               });
+                               {filter_flags, filter_params}, stored_float(float_size), b);
     });
 }
 
@@ -314,8 +307,9 @@ void KOB_WRITE_ATTRIBUTES(const int64_t* group, const char* etyp, const int32_t*
     using namespace kob;
     entry(status, [&] {
         const Entities<Writer> b{etyp, nent, nuid, length, {nindex, indexic, indexident, indexval}, entid, title, uid};
-        return write_entities(value(group), kind::attributes, b, etyp, state, {filter_flags, filter_params},
-                              float_size);
+        return write_new_block(value(group), kind::attributes,
+                               {validity_of(b.index, state), {kind::attributes.name, etyp}},
+                               {filter_flags, filter_params}, stored_float(float_size), b);
     });
 }
 
@@ -340,8 +334,9 @@ void KOB_WRITE_IDENTIFIERS(const int64_t* group, const char* etyp, const int32_t
     using namespace kob;
     entry(status, [&] {
         const Entities<Writer> b{etyp, nent, nuid, length, {nindex, indexic, indexident, indexval}, entid, title, uid};
-        return write_entities(value(group), kind::identifiers, b, etyp, state, {filter_flags, filter_params},
-                              float_size);
+        return write_new_block(value(group), kind::identifiers,
+                               {validity_of(b.index, state), {kind::identifiers.name, etyp}},
+                               {filter_flags, filter_params}, stored_float(float_size), b);
     });
 }
 
@@ -370,11 +365,7 @@ void KOB_WRITE_COLLECTOR(const int64_t* group, const char* etypcoll, const int32
                                   idcoll,   etyp,     nent,  entid};
         return write_new_block(value(group), kind::collector,
                                {validity_of(b.index, state), {kind::collector.name, etypcoll}},
-                               {filter_flags, filter_params}, stored_float(float_size), [&](Writer& io) {
-                                   attributes(io, b);
-                                   values(io, b.index);
-                                   values(io, b);
-                               });
+                               {filter_flags, filter_params}, stored_float(float_size), b);
     });
 }
 
@@ -387,10 +378,161 @@ void KOB_READ_COLLECTOR(const int64_t* block, const int32_t* mode, int32_t* nent
     entry(status, [&] {
         const Collector<Reader> b{nenttot, etypcoll, ncoll, ntyp, {nindex, indexic, indexident, indexval},
                                   idcoll,  etyp,     nent,  entid};
-        Reader io{value(block), kind::collector};
-        attributes(io, b);
-        return read_pass(
-            io, value(mode), b.index, [&] { values(io, b); }, [&] { io.report_filters(filter_flags, filter_params); });
+        return read_passes(value(block), kind::collector, b, value(mode), filter_flags, filter_params);
+    });
+}
+
+// ---- older layout
+
+void KOB1_WRITE_COLLECTOR(const int64_t* group, const char* etypcoll, const int32_t* ncoll, const int32_t* ntyp,
+                          const int32_t* nindex, const int32_t* indexident, const double* indexval,
+                          const int32_t* idcoll, const char* etyp, const int32_t* nent, const int32_t* entid,
+                          const int32_t* state, const int32_t* filter_flags, const int32_t* filter_params,
+                          const int32_t* float_size, int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const std::int32_t nenttot = sum32(nent, product32(value(ncoll), value(ntyp)));
+        const Collector<Writer> b{&nenttot, etypcoll, ncoll, ntyp, {nindex, nullptr, indexident, indexval},
+                                  idcoll,   etyp,     nent,  entid};
+        return write_new_block(older(group), kind::collector,
+                               {validity_of(b.index, state), {kind::collector.name, etypcoll}},
+                               {filter_flags, filter_params}, stored_float(float_size), b);
+    });
+}
+
+void KOB1_READ_COLLECTOR(const int64_t* block, const int32_t* mode, int32_t* nenttot, char* etypcoll, int32_t* ncoll,
+                         int32_t* ntyp, int32_t* nindex, int32_t* indexident, double* indexval, int32_t* idcoll,
+                         char* etyp, int32_t* nent, int32_t* entid, int32_t* filter_flags, int32_t* filter_params,
+                         int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const Collector<Reader> b{nenttot, etypcoll, ncoll, ntyp, {nindex, nullptr, indexident, indexval},
+                                  idcoll,  etyp,     nent,  entid};
+        return read_passes(older(block), kind::collector, b, value(mode), filter_flags, filter_params);
+    });
+}
+
+void KOB1_WRITE_CONNECTIVITIES(const int64_t* group, const char* etypelem, const char* etyppart, const char* etypnode,
+                               const int32_t* nele, const int32_t* npele, const int32_t* ndim, const int32_t* nbint,
+                               const int32_t* nbfloat, const int32_t* nindex, const int32_t* indexident,
+                               const double* indexval, const int32_t* idele, const int32_t* pid, const int32_t* ic,
+                               const int32_t* iparam, const double* fparam, const int32_t* mbunit,
+                               const int32_t* mdunit, const int32_t* ubid, const double* ubexp, const int32_t* udid,
+                               const double* udexp, const int32_t* state, const int32_t* filter_flags,
+                               const int32_t* filter_params, const int32_t* float_size, int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const Connectivities<Writer> b{nullptr,
+                                       etypelem,
+                                       etyppart,
+                                       etypnode,
+                                       nullptr,
+                                       nele,
+                                       npele,
+                                       ndim,
+                                       nbint,
+                                       nbfloat,
+                                       {nindex, nullptr, indexident, indexval},
+                                       idele,
+                                       pid,
+                                       ic,
+                                       iparam,
+                                       fparam,
+                                       {mbunit, mdunit, ubid, ubexp, udid, udexp}};
+        return write_new_block(older(group), kind::connectivities,
+                               {validity_of(b.index, state), {kind::connectivities.name, etypelem}},
+                               {filter_flags, filter_params}, stored_float(float_size), b);
+    });
+}
+
+void KOB1_READ_CONNECTIVITIES(const int64_t* block, const int32_t* pass, char* etypelem, char* etyppart, char* etypnode,
+                              int32_t* nele, int32_t* npele, int32_t* ndim, int32_t* nbint, int32_t* nbfloat,
+                              int32_t* nindex, int32_t* indexident, double* indexval, int32_t* idele, int32_t* pid,
+                              int32_t* ic, int32_t* iparam, double* fparam, int32_t* mbunit, int32_t* mdunit,
+                              int32_t* ubid, double* ubexp, int32_t* udid, double* udexp, int32_t* filter_flags,
+                              int32_t* filter_params, int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const Connectivities<Reader> b{nullptr,
+                                       etypelem,
+                                       etyppart,
+                                       etypnode,
+                                       nullptr,
+                                       nele,
+                                       npele,
+                                       ndim,
+                                       nbint,
+                                       nbfloat,
+                                       {nindex, nullptr, indexident, indexval},
+                                       idele,
+                                       pid,
+                                       ic,
+                                       iparam,
+                                       fparam,
+                                       {mbunit, mdunit, ubid, ubexp, udid, udexp}};
+        return read_passes(older(block), kind::connectivities, b, value(pass), filter_flags, filter_params, "fparam");
+    });
+}
+
+void KOB1_WRITE_PARTS(const int64_t* group, const char* etyppart, const int32_t* npart, const int32_t* off,
+                      const int32_t* nindex, const int32_t* indexident, const double* indexval, const int32_t* pid,
+                      const char* title, const int32_t* mid, const int32_t* mtyp, const int32_t* pcol,
+                      const int32_t* pvtyp, const int32_t* state, const int32_t* filter_flags,
+                      const int32_t* filter_params, const int32_t* float_size, int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const Parts<Writer> b{
+            etyppart, npart, off,  &older_title_length, {nindex, nullptr, indexident, indexval}, pid, title, mid,
+            mtyp,     pcol,  pvtyp};
+        return write_new_block(older(group), kind::parts, {validity_of(b.index, state), {kind::parts.name, etyppart}},
+                               {filter_flags, filter_params}, stored_float(float_size), b);
+    });
+}
+
+void KOB1_READ_PARTS(const int64_t* block, const int32_t* pass, char* etyppart, int32_t* npart, int32_t* off,
+                     int32_t* nindex, int32_t* indexident, double* indexval, int32_t* pid, char* title, int32_t* mid,
+                     int32_t* mtyp, int32_t* pcol, int32_t* pvtyp, int32_t* filter_flags, int32_t* filter_params,
+                     int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        std::int32_t length = older_title_length;
+        const Parts<Reader> b{etyppart, npart, off,  &length, {nindex, nullptr, indexident, indexval}, pid, title,
+                              mid,      mtyp,  pcol, pvtyp};
+        return read_passes(older(block), kind::parts, b, value(pass), filter_flags, filter_params);
+    });
+}
+
+void KOB1_WRITE_ATTRIBUTES(const int64_t* group, const char* etyp, const int32_t* nent, const int32_t* nuid,
+                           const int32_t* nindex, const int32_t* indexident, const double* indexval,
+                           const int32_t* entid, const char* title, const int32_t* uid, const int32_t* state,
+                           const int32_t* filter_flags, const int32_t* filter_params, const int32_t* float_size,
+                           int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const Entities<Writer> b{etyp,  nent,  nuid, &older_title_length, {nindex, nullptr, indexident, indexval},
+                                 entid, title, uid};
+        return write_new_block(older(group), kind::attributes,
+                               {validity_of(b.index, state), {kind::attributes.name, etyp}},
+                               {filter_flags, filter_params}, stored_float(float_size), b);
+    });
+}
+
+void KOB1_READ_ATTRIBUTES(const int64_t* block, const int32_t* pass, char* etyp, int32_t* nent, int32_t* nuid,
+                          int32_t* nindex, int32_t* indexident, double* indexval, int32_t* entid, char* title,
+                          int32_t* uid, int32_t* filter_flags, int32_t* filter_params, int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        std::int32_t length = older_title_length;
+        const Entities<Reader> b{etyp, nent, nuid, &length, {nindex, nullptr, indexident, indexval}, entid, title, uid};
+        return read_passes(older(block), kind::attributes, b, value(pass), filter_flags, filter_params);
     });
 }
 

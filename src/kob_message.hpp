@@ -27,6 +27,8 @@ constexpr char reading_pass_of_two[] = "KOB INTERNAL ERROR reading block with ke
 constexpr char writing_named_invalid_mode[] = "KOB ERROR writing block %s - invalid mode %d\n";
 constexpr char reading_named_pass[] = "KOB INTERNAL ERROR reading \"%s\" block - ipass = %d\n";
 constexpr char header_not_found[] = "KOB ERROR - header not found\n";
+constexpr char data_not_found[] = "KOB ERROR - data not found\n";
+constexpr char index_not_found[] = "KOB ERROR - index not found\n";
 constexpr char wrong_key[] = "KOB ERROR - wrong block key %d, %d expected\n";
 constexpr char wrong_key_lower_case[] = "KOB error - wrong block key %d, %d expected\n";
 constexpr char wrong_key_swapped[] = "KOB ERROR wrong - block key %d, %d expected\n";

@@ -2,7 +2,7 @@
 // Blocks that describe a result set as a whole: system, index and text.
 #include "kob_block.hpp"
 #include "kob_dp.h"
-#include "kob_sections.hpp"
+#include "kob_units.hpp"
 
 namespace kob {
 namespace {
@@ -86,6 +86,23 @@ template <class Io> void attributes(Io& io, const Index<Io>& b)
     io.text("etypvar", b.etypvar);
 }
 
+/// The same in the older layout, which describes the index values on the spot.
+template <class Io> struct OlderIndex {
+    Arg<Io, std::int32_t> nindex;
+    Arg<Io, char> etypindex; ///< [nindex] texts
+    Units<Io> units;         ///< of nindex values
+};
+
+template <class Io> void attributes(Io& io, const OlderIndex<Io>& b) { io.integer("nindex", b.nindex); }
+
+template <class Io> void values(Io& io, const OlderIndex<Io>& b)
+{
+    if (io.ok()) {
+        io.texts("etypindex", b.etypindex, {*b.nindex});
+        values(io, b.units, *b.nindex);
+    }
+}
+
 // ---- text
 
 /// Lines of free text of one kind.
@@ -126,10 +143,7 @@ void KOB_WRITE_SYSTEM(const int64_t* group, const char* title, const char* sys, 
                                mtime, nbunit, ndunit,      ubid,        ubtyp,   ubnam, ubshift,
                                ubcon, udid,   udnam,       udscal,      ndbunit, udbid, udbexp};
         return write_new_block(value(group), kind::system, {{}, {kind::system.name}}, {filter_flags, filter_params},
-                               stored_float(float_size), [&](Writer& io) {
-                                   attributes(io, b);
-                                   values(io, b);
-                               });
+                               stored_float(float_size), b);
     });
 }
 
@@ -144,17 +158,7 @@ void KOB_READ_SYSTEM(const int64_t* block, const int32_t* mode, char* title, cha
         const System<Reader> b{title, sys,    solver_name, solver_vers, cdate,   ctime, mdate,
                                mtime, nbunit, ndunit,      ubid,        ubtyp,   ubnam, ubshift,
                                ubcon, udid,   udnam,       udscal,      ndbunit, udbid, udbexp};
-        Reader io{value(block), kind::system};
-        attributes(io, b);
-        if (value(mode) == 1) {
-            return io.status();
-        }
-        if (value(mode) != 2) {
-            io.unknown_pass();
-        }
-        values(io, b);
-        io.report_filters_of("udbexp", filter_flags, filter_params);
-        return io.status();
+        return read_two_passes(value(block), kind::system, b, value(mode), filter_flags, filter_params, "udbexp");
     });
 }
 
@@ -164,8 +168,7 @@ void KOB_WRITE_INDEX(const int64_t* group, const int32_t* nindex, const char* et
     using namespace kob;
     entry(status, [&] {
         const Index<Writer> b{nindex, etypvar};
-        return write_new_block(value(group), kind::index, {{}, {kind::index.name}}, {}, sizeof(double),
-                               [&](Writer& io) { attributes(io, b); });
+        return write_new_block(value(group), kind::index, {{}, {kind::index.name}}, {}, sizeof(double), b);
     });
 }
 
@@ -190,11 +193,7 @@ void KOB_WRITE_TEXT(const int64_t* group, const char* etyptext, const int32_t* n
     entry(status, [&] {
         const Text<Writer> b{etyptext, nlines, length, {nindex, indexic, indexident, indexval}, line};
         return write_new_block(value(group), kind::text, {validity_of(b.index, state), {kind::text.name, etyptext}},
-                               {filter_flags, filter_params}, stored_float(float_size), [&](Writer& io) {
-                                   attributes(io, b);
-                                   values(io, b.index);
-                                   values(io, b);
-                               });
+                               {filter_flags, filter_params}, stored_float(float_size), b);
     });
 }
 
@@ -206,6 +205,86 @@ void KOB_READ_TEXT(const int64_t* block, const int32_t* mode, char* etyptext, in
     entry(status, [&] {
         const Text<Reader> b{etyptext, nlines, length, {nindex, indexic, indexident, indexval}, line};
         return read_sections(value(block), kind::text, b, value(mode), filter_flags, filter_params, "line");
+    });
+}
+
+// ---- older layout
+
+void KOB1_WRITE_SYSTEM(const int64_t* group, const char* title, const char* sys, const char* solver_name,
+                       const char* solver_vers, const char* cdate, const char* ctime, const char* mdate,
+                       const char* mtime, const int32_t* nbunit, const int32_t* ndunit, const int32_t* ubid,
+                       const char* ubtyp, const char* ubnam, const double* ubshift, const double* ubcon,
+                       const int32_t* udid, const char* udnam, const double* udscal, const int32_t* ndbunit,
+                       const int32_t* udbid, const double* udbexp, const int32_t* filter_flags,
+                       const int32_t* filter_params, const int32_t* float_size, int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const System<Writer> b{title, sys,    solver_name, solver_vers, cdate,   ctime, mdate,
+                               mtime, nbunit, ndunit,      ubid,        ubtyp,   ubnam, ubshift,
+                               ubcon, udid,   udnam,       udscal,      ndbunit, udbid, udbexp};
+        return write_new_block(older(group), kind::system, {{}, {kind::system.name}}, {filter_flags, filter_params},
+                               stored_float(float_size), b);
+    });
+}
+
+void KOB1_READ_SYSTEM(const int64_t* block, const int32_t* mode, char* title, char* sys, char* solver_name,
+                      char* solver_vers, char* cdate, char* ctime, char* mdate, char* mtime, int32_t* nbunit,
+                      int32_t* ndunit, int32_t* ubid, char* ubtyp, char* ubnam, double* ubshift, double* ubcon,
+                      int32_t* udid, char* udnam, double* udscal, int32_t* ndbunit, int32_t* udbid, double* udbexp,
+                      int32_t* filter_flags, int32_t* filter_params, int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const System<Reader> b{title, sys,    solver_name, solver_vers, cdate,   ctime, mdate,
+                               mtime, nbunit, ndunit,      ubid,        ubtyp,   ubnam, ubshift,
+                               ubcon, udid,   udnam,       udscal,      ndbunit, udbid, udbexp};
+        return read_two_passes(older(block), kind::system, b, value(mode), filter_flags, filter_params, "udbexp");
+    });
+}
+
+void KOB1_WRITE_INDEX(const int64_t* group, const int32_t* nindex, const char* etypindex, const int32_t* mbunit,
+                      const int32_t* mdunit, const int32_t* ubid, const double* ubexp, const int32_t* udid,
+                      const double* udexp, const int32_t* filter_flags, const int32_t* filter_params,
+                      const int32_t* float_size, int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const OlderIndex<Writer> b{nindex, etypindex, {mbunit, mdunit, ubid, ubexp, udid, udexp}};
+        return write_new_block(older(group), kind::index, {{}, {kind::index.name}}, {filter_flags, filter_params},
+                               stored_float(float_size), b);
+    });
+}
+
+void KOB1_READ_INDEX(const int64_t* block, const int32_t* pass, int32_t* nindex, char* etypindex, int32_t* mbunit,
+                     int32_t* mdunit, int32_t* ubid, double* ubexp, int32_t* udid, double* udexp, int32_t* filter_flags,
+                     int32_t* filter_params, int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const OlderIndex<Reader> b{nindex, etypindex, {mbunit, mdunit, ubid, ubexp, udid, udexp}};
+        return read_two_passes(older(block), kind::index, b, value(pass), filter_flags, filter_params);
+    });
+}
+
+void KOB1_WRITE_TEXT(const int64_t* group, const char* etyptext, const int32_t* nlines, const int32_t* length,
+                     const char* line, const int32_t* filter_flags, const int32_t* filter_params, int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const Text<Writer> b{etyptext, nlines, length, {}, line};
+        return write_new_block(older(group), kind::older_text, {{}, {kind::older_text.name, etyptext}},
+                               {filter_flags, filter_params}, sizeof(double), b);
+    });
+}
+
+void KOB1_READ_TEXT(const int64_t* block, const int32_t* pass, char* etyptext, int32_t* nlines, int32_t* length,
+                    char* line, int32_t* filter_flags, int32_t* filter_params, int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const Text<Reader> b{etyptext, nlines, length, {}, line};
+        return read_two_passes(older(block), kind::older_text, b, value(pass), filter_flags, filter_params, "line");
     });
 }
 

@@ -19,23 +19,34 @@ template <class Io> struct SeriesIndex {
     Arg<Io, std::int32_t> nstate;     ///< states held; the Writer computes it
     Arg<Io, std::int32_t> indexident; ///< [nstate, nindex]
     Reals<Io> indexval;               ///< [nstate, nindex]
+    const char* states_of = "res";    ///< the dataset whose leading extent is the number of states
 };
 
 template <class Io> void attributes(Io& io, const SeriesIndex<Io>& index)
 {
     io.integer("nindex", index.nindex);
     if constexpr (!Io::writes) {
-        io.integer("nstate", index.nstate);
+        io.states("nstate", index.nstate, index.states_of);
     }
 }
 
 template <class Io> void values(Io& io, const SeriesIndex<Io>& index, const Extent& states, const Part& part)
 {
+    if (!io.ok()) {
+        return;
+    }
+    io.enter(Where::index);
     io.integers("indexident", index.indexident, {states, *index.nindex}, part);
     io.exact_reals("indexval", index.indexval, {states, *index.nindex}, part);
+    io.enter(Where::data);
 }
 
-void values(Reader& io, const SeriesIndex<Reader>& index) { values(io, index, *index.nstate, Part{}); }
+void values(Reader& io, const SeriesIndex<Reader>& index)
+{
+    if (io.ok()) {
+        values(io, index, *index.nstate, Part{});
+    }
+}
 
 /// A run of rows of the state index.
 template <class Io> void rows(Io& io, const SeriesIndex<Io>& index, std::int64_t first, std::int64_t count)
@@ -83,15 +94,22 @@ private:
     std::array<std::int64_t, 6> start_{};
 };
 
+/// The number of states that a series says it holds.
+std::int32_t read_nstate(Writer& io, std::int32_t& nstate)
+{
+    const hsize_t one = 1;
+    return KOB_H5Aread("nstate", &nstate, type_code::integer, sizeof nstate, &one, 0, io.place(Where::header), nullptr);
+}
+
 /// Ends a write of states: rewrites "nstate", or gives a new series its first value. A write that failed behind its
 /// index rows takes those back that have no values: a series with more of the ones than of the others is unreadable.
-std::int32_t end_states(Writer& io, hid_t block, const char* values, bool is_new, std::int32_t before)
+std::int32_t end_states(Writer& io, const char* values, bool is_new, std::int32_t before)
 {
     if (!io.ok()) {
-        const std::int64_t rows = count_rows(block, values);
+        const std::int64_t rows = count_rows(io.place(Where::data), values);
         if (rows >= 0 || is_new) {
-            cut_rows(block, "indexident", std::max<std::int64_t>(rows, 0));
-            cut_rows(block, "indexval", std::max<std::int64_t>(rows, 0));
+            cut_rows(io.place(Where::index), "indexident", std::max<std::int64_t>(rows, 0));
+            cut_rows(io.place(Where::index), "indexval", std::max<std::int64_t>(rows, 0));
         }
         return before;
     }
@@ -176,7 +194,7 @@ void write_states(Writer& io, const MultiEntityResults<Writer>& b, bool complex,
     }
 }
 
-std::int32_t write_series(hid_t block, const MultiEntityResults<Writer>& b, const Filters& filters,
+std::int32_t write_series(Location block, const MultiEntityResults<Writer>& b, const Filters& filters,
                           std::int32_t value_size, const StateRequest& request, Place place, std::int32_t& nstate)
 {
     const BlockKind& kind = kind::multi_entity_results;
@@ -184,13 +202,13 @@ std::int32_t write_series(hid_t block, const MultiEntityResults<Writer>& b, cons
     if (request.mode == access_mode::whole && refuse_negative(request.state, kind)) {
         return invalid_mode;
     }
-    if (block < 0) {
+    if (block.group < 0) {
         report_error(message::writing_name, kind.name);
-        return static_cast<std::int32_t>(block);
+        return static_cast<std::int32_t>(block.group);
     }
     const ValueSize size = value_size_of(value_size);
     Writer io{block, filters, size.stored, place};
-    const bool is_new = place == Place::fresh || !has_link(block, "entid");
+    const bool is_new = place == Place::fresh || !has_link(io.place(Where::data), "entid");
     if (is_new) {
         io.frame(kind, kind.key_of(size.complex));
         attributes(io, b);
@@ -198,9 +216,8 @@ std::int32_t write_series(hid_t block, const MultiEntityResults<Writer>& b, cons
             identifiers(io, b.table);
         }
         io.forget_extent();
-    } else if (has_attribute(block, "nstate")) { // a first write that failed left none
-        const hsize_t one = 1;
-        io.fail(KOB_H5Aread("nstate", &nstate, type_code::integer, sizeof nstate, &one, 0, block, nullptr));
+    } else if (has_attribute(io.place(Where::header), "nstate")) { // a first write that failed left none
+        io.fail(read_nstate(io, nstate));
     }
     if (io.ok() && !Part{request.mode}.is_known()) {
         report_error(message::writing_named_invalid_mode, kind.name, request.mode);
@@ -209,7 +226,7 @@ std::int32_t write_series(hid_t block, const MultiEntityResults<Writer>& b, cons
     if (io.ok()) {
         write_states(io, b, size.complex, request);
     }
-    nstate = end_states(io, block, "res", is_new, nstate);
+    nstate = end_states(io, "res", is_new, nstate);
     return io.status();
 }
 
@@ -229,20 +246,35 @@ StateRequest request_of(std::int32_t state, std::int32_t mode, const std::int64_
     return {state, part.mode, part.count, part.start};
 }
 
-std::int32_t place_and_write_series(hid_t group, const MultiEntityResults<Writer>& b, const char* const* names,
-                                    std::int32_t zoneid, std::int32_t set, std::int32_t state, const Filters& filters,
-                                    std::int32_t value_size, std::int32_t mode, const std::int64_t* count,
-                                    const std::int64_t* start)
+/// Where a series goes.
+struct SeriesPlace {
+    Location group;
+    const char* series;
+    const char* etyp;
+    const char* etypvar;
+    const char* etypzone;
+    const std::int32_t* zoneid;
+    const std::int32_t* set;
+
+    [[nodiscard]] BlockPath path(const BlockKind& kind) const
+    {
+        return {{multi_state}, {series, kind.name, etyp, etypvar, etypzone}, value(zoneid), value(set)};
+    }
+};
+
+/// Writes states by the caller's state argument; mode and selection stand in for its one state.
+std::int32_t write_results(const SeriesPlace& to, const MultiEntityResults<Writer>& b, std::int32_t state,
+                           const Filters& filters, std::int32_t value_size, std::int32_t mode,
+                           const std::int64_t* count, const std::int64_t* start)
 {
     const std::int32_t size = value_size & ~real_memory_bit;
-    Placed placed = place_block(
-        group, {{multi_state}, {names[0], kind::multi_entity_results.name, names[1], names[2], names[3]}, zoneid, set});
+    Placed placed = place_block(to.group, to.path(kind::multi_entity_results));
     if (placed.status < 0) {
         return placed.status;
     }
     LeadingStates one_state = states_of(b, 1, value_size_of(size).complex);
     std::int32_t nstate = 0;
-    const std::int32_t result = write_series(placed.group.get(), b, filters, size,
+    const std::int32_t result = write_series(placed.location(), b, filters, size,
                                              request_of(state, mode, count, start, one_state), placed.place(), nstate);
     return result == 0 && placed.group.close() < 0 ? -1 : result;
 }
@@ -305,7 +337,7 @@ std::int32_t read_series(Reader& io, std::int32_t sections, const MultiEntityRes
         } else {
             io.reals("res", b.res, Shape::of_rank(io.is_complex() ? 4 : 3), part);
         }
-        io.report_filters_of("res", filter_flags, filter_params);
+        io.report_filters("res", filter_flags, filter_params);
     }
     io.key_as_status();
     return io.status();
@@ -317,7 +349,7 @@ struct SeriesPass {
     bool is_piece = false;
 };
 
-SeriesPass series_pass(std::int32_t pass)
+SeriesPass series_pass(std::int32_t pass, Generation generation)
 {
     switch (pass) {
     case 3:
@@ -327,8 +359,41 @@ SeriesPass series_pass(std::int32_t pass)
     case 5:
         return {section::identifiers, false};
     default:
-        return {sections_of_pass(pass), false};
+        return {sections_of_pass(pass, generation), false};
     }
+}
+
+std::int32_t read_results(Location block, std::int32_t pass, const MultiEntityResults<Reader>& b,
+                          std::int32_t* filter_flags, std::int32_t* filter_params)
+{
+    const std::int32_t sections = sections_of_pass(pass, block.generation);
+    if (sections == 0) {
+        report_error(message::reading_named_pass, kind::multi_entity_results.name, pass);
+        return wrong_pass;
+    }
+    Reader io{block, kind::multi_entity_results};
+    return read_series(io, sections, b, filter_flags, filter_params, {});
+}
+
+/// Reads by the passes of the C reader; `part` is the caller's selection.
+std::int32_t read_pieces(Location block, std::int32_t pass, const MultiEntityResults<Reader>& b,
+                         std::int32_t* filter_flags, std::int32_t* filter_params, const Part& part)
+{
+    const SeriesPass wanted = series_pass(pass & ~real_memory_bit, block.generation);
+    if (wanted.sections == 0) {
+        report_error(message::reading_named_pass, kind::multi_entity_results.name, pass);
+        return wrong_pass;
+    }
+    Reader io{block, kind::multi_entity_results};
+    if (!io.ok() || !wanted.is_piece) {
+        return read_series(io, wanted.sections, b, filter_flags, filter_params, {});
+    }
+    if (!part.is_whole()) {
+        return read_series(io, wanted.sections, b, filter_flags, filter_params, part);
+    }
+    LeadingStates one_state = states_of(b, 1, io.is_complex());
+    one_state.move_to(*b.index.nstate);
+    return read_series(io, wanted.sections, b, filter_flags, filter_params, one_state.part());
 }
 
 // ---- element results
@@ -346,6 +411,47 @@ template <class Io> void attributes(Io& io, const MultiElementResults<Io>& b)
     io.text("series", b.series);
     attributes(io, b.table);
     attributes(io, b.index);
+}
+
+std::int32_t write_results(const SeriesPlace& to, const MultiElementResults<Writer>& b, std::int32_t states,
+                           const Filters& filters, std::int32_t value_size)
+{
+    const BlockKind& kind = kind::multi_element_results;
+    if (refuse_negative(states, kind)) {
+        return invalid_mode;
+    }
+    const ValueSize size = value_size_of(value_size);
+    return write_open_block(to.group, kind, to.path(kind), filters, size.stored, [&](Writer& io, const Placed& placed) {
+        if (placed.is_new()) {
+            io.frame(kind, kind.key_of(size.complex));
+            attributes(io, b);
+            identifiers(io, b.table);
+            io.forget_extent();
+        }
+        if (io.ok() && states > 0) {
+            const LeadingStates leading{states, {*b.table.nele, *b.table.numl, *b.table.ncoo}, size.complex};
+            rows(io, b.index, 0, states);
+            io.reals("res", b.res.get(), leading.shape(), leading.part());
+        }
+        end_states(io, "res", placed.is_new(), 0);
+    });
+}
+
+std::int32_t read_results(Location block, std::int32_t pass, const MultiElementResults<Reader>& b,
+                          std::int32_t* filter_flags, std::int32_t* filter_params)
+{
+    const auto read_values = [&](Reader& io) {
+        identifiers(io, b.table);
+        if (io.ok()) {
+            Shape shape{*b.index.nstate, *b.table.nele, *b.table.numl, *b.table.ncoo};
+            if (io.is_complex()) {
+                shape.append(2);
+            }
+            io.reals("res", b.res.get(), shape);
+        }
+    };
+    return read_passes_of_two_keys(block, kind::multi_element_results, b, pass, read_values, filter_flags,
+                                   filter_params);
 }
 
 // ---- activation flags
@@ -366,6 +472,40 @@ template <class Io> void attributes(Io& io, const MultiActivationFlags<Io>& b)
     io.text("etyp", b.etyp);
     io.integer("nent", b.nent);
     attributes(io, b.index);
+}
+
+template <class Io> void values(Io& io, const MultiActivationFlags<Io>& b)
+{
+    if (io.ok()) {
+        io.integers("entid", b.entid, {*b.nent});
+    }
+    if (io.ok()) {
+        io.integers("status", b.flags, {*b.index.nstate, *b.nent});
+    }
+}
+
+std::int32_t write_flags(Location group, const char* series, const char* etyp, const MultiActivationFlags<Writer>& b,
+                         std::int32_t states, const Filters& filters, std::size_t float_size)
+{
+    const BlockKind& kind = kind::multi_activation_flags;
+    if (refuse_negative(states, kind)) {
+        return invalid_mode;
+    }
+    return write_open_block(group, kind, {{multi_state}, {series, kind.name, etyp}}, filters, float_size,
+                            [&](Writer& io, const Placed& placed) {
+                                if (placed.is_new()) {
+                                    io.frame(kind, kind.key);
+                                    attributes(io, b);
+                                    io.integers("entid", b.entid, {*b.nent});
+                                    io.forget_extent();
+                                }
+                                if (io.ok() && states > 0) {
+                                    const LeadingStates leading{states, {*b.nent}, false};
+                                    rows(io, b.index, 0, states);
+                                    io.integers("status", b.flags, leading.shape(), leading.part());
+                                }
+                                end_states(io, "status", placed.is_new(), 0);
+                            });
 }
 
 } // namespace
@@ -402,10 +542,8 @@ void KOB_WRITE_MULTIENTITYRESULTS(const int64_t* group, const char* series, cons
                                             {weight, size}},
                                            {nindex, nullptr, indexident, {indexval, size}},
                                            {res, size}};
-        const std::array names{series, etyp, etypvar, etypzone};
-        return place_and_write_series(value(group), b, names.data(), value(zoneid), value(set), value(state),
-                                      {filter_flags, filter_params}, value(value_size), access_mode::whole, nullptr,
-                                      nullptr);
+        return write_results({value(group), series, etyp, etypvar, etypzone, zoneid, set}, b, value(state),
+                             {filter_flags, filter_params}, value(value_size), access_mode::whole, nullptr, nullptr);
     });
 }
 
@@ -439,9 +577,8 @@ void KOB_WRITE_MULTIENTITYRESULTC(const int64_t* group, const char* series, cons
                                             {weight, size}},
                                            {nindex, nullptr, indexident, {indexval, size}},
                                            {res, size}};
-        const std::array names{series, etyp, etypvar, etypzone};
-        return place_and_write_series(value(group), b, names.data(), value(zoneid), value(set), value(state),
-                                      {filter_flags, filter_params}, value(value_size), value(mode), count, start);
+        return write_results({value(group), series, etyp, etypvar, etypzone, zoneid, set}, b, value(state),
+                             {filter_flags, filter_params}, value(value_size), value(mode), count, start);
     });
 }
 
@@ -493,11 +630,6 @@ void KOB_READ_MULTIENTITYRESULTS(const int64_t* block, const int32_t* pass, char
 {
     using namespace kob;
     entry(status, [&] {
-        const std::int32_t sections = sections_of_pass(value(pass));
-        if (sections == 0) {
-            report_error(message::reading_named_pass, kind::multi_entity_results.name, value(pass));
-            return wrong_pass;
-        }
         const MultiEntityResults<Reader> b{series,
                                            {etyp,
                                             nent,
@@ -515,8 +647,7 @@ void KOB_READ_MULTIENTITYRESULTS(const int64_t* block, const int32_t* pass, char
                                             {weight, sizeof(double)}},
                                            {nindex, nstate, indexident, {indexval, sizeof(double)}},
                                            {res, sizeof(double)}};
-        Reader io{value(block), kind::multi_entity_results};
-        return read_series(io, sections, b, filter_flags, filter_params, {});
+        return read_results(value(block), value(pass), b, filter_flags, filter_params);
     });
 }
 
@@ -531,11 +662,6 @@ void KOB_READ_MULTIENTITYRESULTC(const int64_t* block, const int32_t* pass, char
     using namespace kob;
     entry(status, [&] {
         const std::size_t size = memory_size_of(value(pass));
-        const SeriesPass wanted = series_pass(value(pass) & ~real_memory_bit);
-        if (wanted.sections == 0) {
-            report_error(message::reading_named_pass, kind::multi_entity_results.name, value(pass));
-            return wrong_pass;
-        }
         const MultiEntityResults<Reader> b{series,
                                            {etyp,
                                             nent,
@@ -553,16 +679,7 @@ void KOB_READ_MULTIENTITYRESULTC(const int64_t* block, const int32_t* pass, char
                                             {weight, size}},
                                            {nindex, nstate, indexident, {indexval, size}},
                                            {res, size}};
-        Reader io{value(block), kind::multi_entity_results};
-        if (!io.ok() || !wanted.is_piece) {
-            return read_series(io, wanted.sections, b, filter_flags, filter_params, {});
-        }
-        if (value(mode) != access_mode::whole) {
-            return read_series(io, wanted.sections, b, filter_flags, filter_params, {value(mode), count, start});
-        }
-        LeadingStates one_state = states_of(b, 1, io.is_complex());
-        one_state.move_to(*b.index.nstate);
-        return read_series(io, wanted.sections, b, filter_flags, filter_params, one_state.part());
+        return read_pieces(value(block), value(pass), b, filter_flags, filter_params, {value(mode), count, start});
     });
 }
 
@@ -611,33 +728,13 @@ void KOB_WRITE_MULTIELEMENTRESULTS(const int64_t* group, const char* series, con
 {
     using namespace kob;
     entry(status, [&] {
-        const BlockKind& kind = kind::multi_element_results;
-        if (refuse_negative(value(n), kind)) {
-            return invalid_mode;
-        }
         const MultiElementResults<Writer> b{series,
                                             {etypelem, nele, etypvar, ncoo, numl, ndim, etypzone, zoneid, etypframe,
                                              fswitch, dmpswitch, idele, fidglob, fid, eloc, operator_, weight},
                                             {nindex, nullptr, indexident, indexval},
                                             res};
-        const ValueSize size = value_size_of(value(value_size));
-        return write_open_block(
-            value(group), kind,
-            {{multi_state}, {series, kind.name, etypelem, etypvar, etypzone}, value(zoneid), value(set)},
-            {filter_flags, filter_params}, size.stored, [&](Writer& io, const Placed& placed) {
-                if (placed.is_new()) {
-                    io.frame(kind, kind.key_of(size.complex));
-                    attributes(io, b);
-                    identifiers(io, b.table);
-                    io.forget_extent();
-                }
-                if (io.ok() && *n > 0) {
-                    const LeadingStates leading{*n, {*nele, *numl, *ncoo}, size.complex};
-                    rows(io, b.index, 0, *n);
-                    io.reals("res", b.res.get(), leading.shape(), leading.part());
-                }
-                end_states(io, placed.group.get(), "res", placed.is_new(), 0);
-            });
+        return write_results({value(group), series, etypelem, etypvar, etypzone, zoneid, set}, b, value(n),
+                             {filter_flags, filter_params}, value(value_size));
     });
 }
 
@@ -656,19 +753,7 @@ void KOB_READ_MULTIELEMENTRESULTS(const int64_t* block, const int32_t* pass, cha
                                              fswitch, dmpswitch, idele, fidglob, fid, eloc, operator_, weight},
                                             {nindex, nstate, indexident, indexval},
                                             res};
-        return read_passes_of_two_keys(
-            value(block), kind::multi_element_results, value(pass), b, b.index,
-            [&](Reader& io) {
-                identifiers(io, b.table);
-                if (io.ok()) {
-                    Shape shape{*nstate, *nele, *numl, *ncoo};
-                    if (io.is_complex()) {
-                        shape.append(2);
-                    }
-                    io.reals("res", b.res.get(), shape);
-                }
-            },
-            filter_flags, filter_params);
+        return read_results(value(block), value(pass), b, filter_flags, filter_params);
     });
 }
 
@@ -680,27 +765,9 @@ void KOB_WRITE_MULTIACTIVFLAGS(const int64_t* group, const char* series, const c
 {
     using namespace kob;
     entry(status, [&] {
-        const BlockKind& kind = kind::multi_activation_flags;
-        if (refuse_negative(value(n), kind)) {
-            return invalid_mode;
-        }
         const MultiActivationFlags<Writer> b{series, etyp, nent, {nindex, nullptr, indexident, indexval}, entid, flags};
-        return write_open_block(value(group), kind, {{multi_state}, {series, kind.name, etyp}},
-                                {filter_flags, filter_params}, stored_float(float_size),
-                                [&](Writer& io, const Placed& placed) {
-                                    if (placed.is_new()) {
-                                        io.frame(kind, kind.key);
-                                        attributes(io, b);
-                                        io.integers("entid", b.entid, {*nent});
-                                        io.forget_extent();
-                                    }
-                                    if (io.ok() && *n > 0) {
-                                        const LeadingStates leading{*n, {*nent}, false};
-                                        rows(io, b.index, 0, *n);
-                                        io.integers("status", b.flags, leading.shape(), leading.part());
-                                    }
-                                    end_states(io, placed.group.get(), "status", placed.is_new(), 0);
-                                });
+        return write_flags(value(group), series, etyp, b, value(n), {filter_flags, filter_params},
+                           stored_float(float_size));
     });
 }
 
@@ -710,18 +777,283 @@ void KOB_READ_MULTIACTIVFLAGS(const int64_t* block, const int32_t* pass, char* s
 {
     using namespace kob;
     entry(status, [&] {
-        const MultiActivationFlags<Reader> b{series, etyp, nent, {nindex, nstate, indexident, indexval}, entid, flags};
-        Reader io{value(block), kind::multi_activation_flags};
-        attributes(io, b);
-        return read_pass(
-            io, value(pass), b.index,
-            [&] {
-                io.integers("entid", b.entid, {*nent});
-                if (io.ok()) {
-                    io.integers("status", b.flags, {*nstate, *nent});
-                }
-            },
-            [&] { io.report_filters_of("status", filter_flags, filter_params); });
+        const MultiActivationFlags<Reader> b{series, etyp, nent, {nindex, nstate, indexident, indexval, "status"},
+                                             entid,  flags};
+        return read_passes(value(block), kind::multi_activation_flags, b, value(pass), filter_flags, filter_params,
+                           "status");
+    });
+}
+
+// ---- older layout
+
+void KOB1_WRITE_MULTIENTITYRESULTS(const int64_t* group, const char* series, const char* etyp, const int32_t* nent,
+                                   const char* etypvar, const int32_t* ncoo, const char* etypzone,
+                                   const int32_t* zoneid, const char* etypframe, const int32_t* fswitch,
+                                   const int32_t* dmpswitch, const int32_t* nindex, const int32_t* indexident,
+                                   const void* indexval, const int32_t* entid, const int32_t* fidglob,
+                                   const int32_t* fid, const char* operator_, const void* weight, const void* res,
+                                   const int32_t* set, const int32_t* state, const int32_t* filter_flags,
+                                   const int32_t* filter_params, const int32_t* value_size, int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const std::size_t size = memory_size_of(value(value_size));
+        const MultiEntityResults<Writer> b{series,
+                                           {etyp,
+                                            nent,
+                                            etypvar,
+                                            ncoo,
+                                            etypzone,
+                                            zoneid,
+                                            etypframe,
+                                            fswitch,
+                                            dmpswitch,
+                                            entid,
+                                            fidglob,
+                                            fid,
+                                            operator_,
+                                            {weight, size}},
+                                           {nindex, nullptr, indexident, {indexval, size}},
+                                           {res, size}};
+        return write_results({older(group), series, etyp, etypvar, etypzone, zoneid, set}, b, value(state),
+                             {filter_flags, filter_params}, value(value_size), access_mode::whole, nullptr, nullptr);
+    });
+}
+
+void KOB1_READ_MULTIENTITYRESULTS(const int64_t* block, const int32_t* pass, char* series, char* etyp, int32_t* nent,
+                                  char* etypvar, int32_t* ncoo, char* etypzone, int32_t* zoneid, char* etypframe,
+                                  int32_t* fswitch, int32_t* dmpswitch, int32_t* nindex, int32_t* nstate,
+                                  int32_t* indexident, double* indexval, int32_t* entid, int32_t* fidglob, int32_t* fid,
+                                  char* operator_, double* weight, double* res, int32_t* filter_flags,
+                                  int32_t* filter_params, int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const MultiEntityResults<Reader> b{series,
+                                           {etyp,
+                                            nent,
+                                            etypvar,
+                                            ncoo,
+                                            etypzone,
+                                            zoneid,
+                                            etypframe,
+                                            fswitch,
+                                            dmpswitch,
+                                            entid,
+                                            fidglob,
+                                            fid,
+                                            operator_,
+                                            {weight, sizeof(double)}},
+                                           {nindex, nstate, indexident, {indexval, sizeof(double)}},
+                                           {res, sizeof(double)}};
+        return read_results(older(block), value(pass), b, filter_flags, filter_params);
+    });
+}
+
+void KOB1_WRITE_MULTIENTITYRESULTC(const int64_t* group, const char* series, const char* etyp, const int32_t* nent,
+                                   const char* etypvar, const int32_t* ncoo, const char* etypzone,
+                                   const int32_t* zoneid, const char* etypframe, const int32_t* fswitch,
+                                   const int32_t* dmpswitch, const int32_t* nindex, const int32_t* indexident,
+                                   const void* indexval, const int32_t* entid, const int32_t* fidglob,
+                                   const int32_t* fid, const char* operator_, const void* weight, const void* res,
+                                   const int32_t* set, const int32_t* state, const int32_t* filter_flags,
+                                   const int32_t* filter_params, const int32_t* value_size, const int32_t* mode,
+                                   const int64_t* count, const int64_t* start, int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const std::size_t size = memory_size_of(value(value_size));
+        const MultiEntityResults<Writer> b{series,
+                                           {etyp,
+                                            nent,
+                                            etypvar,
+                                            ncoo,
+                                            etypzone,
+                                            zoneid,
+                                            etypframe,
+                                            fswitch,
+                                            dmpswitch,
+                                            entid,
+                                            fidglob,
+                                            fid,
+                                            operator_,
+                                            {weight, size}},
+                                           {nindex, nullptr, indexident, {indexval, size}},
+                                           {res, size}};
+        return write_results({older(group), series, etyp, etypvar, etypzone, zoneid, set}, b, value(state),
+                             {filter_flags, filter_params}, value(value_size), value(mode), count, start);
+    });
+}
+
+void KOB1_READ_MULTIENTITYRESULTC(const int64_t* block, const int32_t* pass, char* series, char* etyp, int32_t* nent,
+                                  char* etypvar, int32_t* ncoo, char* etypzone, int32_t* zoneid, char* etypframe,
+                                  int32_t* fswitch, int32_t* dmpswitch, int32_t* nindex, int32_t* nstate,
+                                  int32_t* indexident, void* indexval, int32_t* entid, int32_t* fidglob, int32_t* fid,
+                                  char* operator_, void* weight, void* res, int32_t* filter_flags,
+                                  int32_t* filter_params, const int32_t* mode, const int64_t* count,
+                                  const int64_t* start, int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const std::size_t size = memory_size_of(value(pass));
+        const MultiEntityResults<Reader> b{series,
+                                           {etyp,
+                                            nent,
+                                            etypvar,
+                                            ncoo,
+                                            etypzone,
+                                            zoneid,
+                                            etypframe,
+                                            fswitch,
+                                            dmpswitch,
+                                            entid,
+                                            fidglob,
+                                            fid,
+                                            operator_,
+                                            {weight, size}},
+                                           {nindex, nstate, indexident, {indexval, size}},
+                                           {res, size}};
+        return read_pieces(older(block), value(pass), b, filter_flags, filter_params, {value(mode), count, start});
+    });
+}
+
+void KOB1_WRITE_MULTIENTITYRESULTS2(const int64_t* groups, const void*, const void*, const char* series,
+                                    const char* etyp, const int32_t* nent, const char* etypvar, const int32_t* ncoo,
+                                    const char* etypzone, const int32_t* zoneid, const char* etypframe,
+                                    const int32_t* fswitch, const int32_t* dmpswitch, const int32_t* nindex,
+                                    const int32_t* indexident, const void* indexval, const int32_t* entid,
+                                    const int32_t* fidglob, const int32_t* fid, const char* operator_,
+                                    const void* weight, const void* res, const int32_t* memory_size,
+                                    const int32_t* state, const int32_t* filter_flags, const int32_t* filter_params,
+                                    const int32_t* value_size, const int32_t* mode, const int64_t* count,
+                                    const int64_t* start, int32_t* nstate, int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const auto size = static_cast<std::size_t>(value(memory_size));
+        const MultiEntityResults<Writer> b{series,
+                                           {etyp,
+                                            nent,
+                                            etypvar,
+                                            ncoo,
+                                            etypzone,
+                                            zoneid,
+                                            etypframe,
+                                            fswitch,
+                                            dmpswitch,
+                                            entid,
+                                            fidglob,
+                                            fid,
+                                            operator_,
+                                            {weight, size}},
+                                           {nindex, nullptr, indexident, {indexval, size}},
+                                           {res, size}};
+        std::int32_t held = 0;
+        const std::int32_t result =
+            write_series(older(groups), b, {filter_flags, filter_params}, value(value_size),
+                         {value(state), value(mode), count, start}, Place::unknown, nstate == nullptr ? held : *nstate);
+        return result;
+    });
+}
+
+void KOB1_READ_MULTIENTITYRESULTS2(const int64_t* block, const int32_t* sections, const void*, char* series, char* etyp,
+                                   int32_t* nent, char* etypvar, int32_t* ncoo, char* etypzone, int32_t* zoneid,
+                                   char* etypframe, int32_t* fswitch, int32_t* dmpswitch, int32_t* nindex,
+                                   int32_t* nstate, int32_t* indexident, void* indexval, int32_t* entid,
+                                   int32_t* fidglob, int32_t* fid, char* operator_, void* weight, void* res,
+                                   const int32_t* memory_size, int32_t* filter_flags, int32_t* filter_params,
+                                   const int32_t* mode, const int64_t* count, const int64_t* start, int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const auto size = static_cast<std::size_t>(value(memory_size));
+        const MultiEntityResults<Reader> b{series,
+                                           {etyp,
+                                            nent,
+                                            etypvar,
+                                            ncoo,
+                                            etypzone,
+                                            zoneid,
+                                            etypframe,
+                                            fswitch,
+                                            dmpswitch,
+                                            entid,
+                                            fidglob,
+                                            fid,
+                                            operator_,
+                                            {weight, size}},
+                                           {nindex, nstate, indexident, {indexval, size}},
+                                           {res, size}};
+        Reader io{older(block), kind::multi_entity_results};
+        return read_series(io, value(sections), b, filter_flags, filter_params, {value(mode), count, start});
+    });
+}
+
+void KOB1_WRITE_MULTIELEMENTRESULTS(const int64_t* group, const char* series, const char* etypelem, const int32_t* nele,
+                                    const char* etypvar, const int32_t* ncoo, const int32_t* numl, const int32_t* ndim,
+                                    const char* etypzone, const int32_t* zoneid, const char* etypframe,
+                                    const int32_t* fswitch, const int32_t* dmpswitch, const int32_t* nindex,
+                                    const int32_t* indexident, const double* indexval, const int32_t* idele,
+                                    const int32_t* fidglob, const int32_t* fid, const double* eloc,
+                                    const char* operator_, const double* weight, const double* res, const int32_t* set,
+                                    const int32_t* n, const int32_t* filter_flags, const int32_t* filter_params,
+                                    const int32_t* value_size, int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const MultiElementResults<Writer> b{series,
+                                            {etypelem, nele, etypvar, ncoo, numl, ndim, etypzone, zoneid, etypframe,
+                                             fswitch, dmpswitch, idele, fidglob, fid, eloc, operator_, weight},
+                                            {nindex, nullptr, indexident, indexval},
+                                            res};
+        return write_results({older(group), series, etypelem, etypvar, etypzone, zoneid, set}, b, value(n),
+                             {filter_flags, filter_params}, value(value_size));
+    });
+}
+
+void KOB1_READ_MULTIELEMENTRESULTS(const int64_t* block, const int32_t* pass, char* series, char* etypelem,
+                                   int32_t* nele, char* etypvar, int32_t* ncoo, int32_t* numl, int32_t* ndim,
+                                   char* etypzone, int32_t* zoneid, char* etypframe, int32_t* fswitch,
+                                   int32_t* dmpswitch, int32_t* nindex, int32_t* nstate, int32_t* indexident,
+                                   double* indexval, int32_t* idele, int32_t* fidglob, int32_t* fid, double* eloc,
+                                   char* operator_, double* weight, double* res, int32_t* filter_flags,
+                                   int32_t* filter_params, int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const MultiElementResults<Reader> b{series,
+                                            {etypelem, nele, etypvar, ncoo, numl, ndim, etypzone, zoneid, etypframe,
+                                             fswitch, dmpswitch, idele, fidglob, fid, eloc, operator_, weight},
+                                            {nindex, nstate, indexident, indexval},
+                                            res};
+        return read_results(older(block), value(pass), b, filter_flags, filter_params);
+    });
+}
+
+void KOB1_WRITE_MULTIACTIVFLAGS(const int64_t* group, const char* series, const char* etyp, const int32_t* nent,
+                                const int32_t* nindex, const int32_t* indexident, const double* indexval,
+                                const int32_t* entid, const int32_t* flags, const int32_t* n,
+                                const int32_t* filter_flags, const int32_t* filter_params, const int32_t* float_size,
+                                int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const MultiActivationFlags<Writer> b{series, etyp, nent, {nindex, nullptr, indexident, indexval}, entid, flags};
+        return write_flags(older(group), series, etyp, b, value(n), {filter_flags, filter_params},
+                           stored_float(float_size));
+    });
+}
+
+void KOB1_READ_MULTIACTIVFLAGS(const int64_t* block, const int32_t* pass, char* series, char* etyp, int32_t* nent,
+                               int32_t* nindex, int32_t* nstate, int32_t* indexident, double* indexval, int32_t* entid,
+                               int32_t* flags, int32_t* filter_flags, int32_t* filter_params, int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const MultiActivationFlags<Reader> b{series, etyp, nent, {nindex, nstate, indexident, indexval, "status"},
+                                             entid,  flags};
+        return read_passes(older(block), kind::multi_activation_flags, b, value(pass), filter_flags, filter_params,
+                           "status");
     });
 }
 

@@ -11,11 +11,11 @@ constexpr std::int32_t invalid_mode = -999;
 constexpr std::int32_t wrong_pass = -3;
 
 /// The sections that a pass of the entity results readers stands for; 0 for a pass that there is not.
-constexpr std::int32_t sections_of_pass(std::int32_t pass)
+constexpr std::int32_t sections_of_pass(std::int32_t pass, Generation generation)
 {
     switch (pass) {
     case 0:
-        return section::attributes | section::state_index;
+        return generation == Generation::current ? section::attributes | section::state_index : 0;
     case 1:
         return section::attributes;
     case 2:

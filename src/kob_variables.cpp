@@ -2,6 +2,7 @@
 // Variables and groups of variables: what result values mean.
 #include "kob_block.hpp"
 #include "kob_dp.h"
+#include "kob_units.hpp"
 
 namespace kob {
 namespace {
@@ -57,12 +58,7 @@ template <class Io> struct Variable {
     Arg<Io, std::int32_t> lend; ///< sum of mdunit
     Arg<Io, std::int32_t> lvmap;
     Arg<Io, std::int32_t> subslen;
-    Arg<Io, std::int32_t> mbunit;   ///< [ncoo]
-    Arg<Io, std::int32_t> mdunit;   ///< [ncoo]
-    Arg<Io, std::int32_t> ubid;     ///< [lenb]
-    Arg<Io, double> ubexp;          ///< [lenb]
-    Arg<Io, std::int32_t> udid;     ///< [lend]
-    Arg<Io, double> udexp;          ///< [lend]
+    Units<Io> units;                ///< of ncoo components
     Arg<Io, char> subscr;           ///< [subslen] characters
     Arg<Io, std::int32_t> subscnt;  ///< [ncoo]
     Arg<Io, std::int32_t> subsoffs; ///< [ncoo]
@@ -85,13 +81,12 @@ template <class Io> void attributes(Io& io, const Variable<Io>& b)
     io.integer("subslen", b.subslen);
 }
 
-template <class Io> Shape map_shape(const Variable<Io>& b)
+/// One extent of ndim for each index of a tensor of that rank.
+void append_indices(Shape& shape, std::int32_t rank, std::int32_t ndim)
 {
-    Shape shape{*b.ncoo};
-    for (std::int32_t i = 0; i < *b.rank && shape.rank() <= H5S_MAX_RANK; ++i) {
-        shape.append(*b.ndim);
+    for (std::int32_t i = 0; i < rank && shape.rank() <= H5S_MAX_RANK; ++i) {
+        shape.append(ndim);
     }
-    return shape;
 }
 
 template <class Io> void values(Io& io, const Variable<Io>& b)
@@ -99,20 +94,55 @@ template <class Io> void values(Io& io, const Variable<Io>& b)
     if (!io.ok()) {
         return;
     }
-    io.integers("mbunit", b.mbunit, {*b.ncoo});
-    io.integers("mdunit", b.mdunit, {*b.ncoo});
-    io.integers("ubid", b.ubid, {*b.lenb});
-    io.exact_reals("ubexp", b.ubexp.get(), {*b.lenb});
-    io.integers("udid", b.udid, {*b.lend});
-    io.exact_reals("udexp", b.udexp.get(), {*b.lend});
+    counts(io, b.units, *b.ncoo);
+    factors(io, b.units, *b.lenb, *b.lend);
     if (*b.subslen > 0) {
         io.texts("subscr", b.subscr, {*b.subslen}, 1);
         io.integers("subscnt", b.subscnt, {*b.ncoo});
         io.integers("subsoffs", b.subsoffs, {*b.ncoo});
     }
     if (*b.lvmap > 0 && *b.rank > 0) {
-        io.reals("vmap", b.vmap.get(), map_shape(b)); // a map may be stored with loss: its request is left as it is
+        Shape map{*b.ncoo};
+        append_indices(map, *b.rank, *b.ndim);
+        io.reals("vmap", b.vmap.get(), map); // a map may be stored with loss: its request is left as it is
     }
+}
+
+// ---- variables of the older layout
+
+/// One variable where there are neither groups nor keys of their own.
+template <class Io> struct OlderVariables {
+    Arg<Io, char> etypvar;
+    Arg<Io, std::int32_t> idtrans;
+    Arg<Io, std::int32_t> rank;
+    Arg<Io, std::int32_t> ndim;
+    Arg<Io, std::int32_t> ncoo;
+    Units<Io> units;            ///< of ncoo components
+    Arg<Io, char> cname;        ///< [ncoo] texts
+    Arg<Io, std::int32_t> cid;  ///< [ncoo]
+    Arg<Io, std::int32_t> comp; ///< [ndim, ..., ndim], rank times ndim; [1] for rank 0
+};
+
+template <class Io> void attributes(Io& io, const OlderVariables<Io>& b)
+{
+    io.text("etypvar", b.etypvar);
+    io.integer("idtrans", b.idtrans);
+    io.integer("rank", b.rank);
+    io.integer("ndim", b.ndim);
+    io.integer("ncoo", b.ncoo);
+}
+
+template <class Io> void values(Io& io, const OlderVariables<Io>& b)
+{
+    if (!io.ok()) {
+        return;
+    }
+    values(io, b.units, *b.ncoo);
+    io.texts("cname", b.cname, {*b.ncoo});
+    io.integers("cid", b.cid, {*b.ncoo});
+    Shape map{};
+    append_indices(map, *b.rank, *b.ndim);
+    io.integers("comp", b.comp, map.rank() > 0 ? map : Shape{1});
 }
 
 } // namespace
@@ -128,10 +158,7 @@ void KOB_WRITE_VARIABLEGROUP(const int64_t* group, const void*, const void*, con
     entry(status, [&] {
         const VariableGroup<Writer> b{etypvar, nvar, ncoo, cnt, offs, varkey};
         return write_new_block(value(group), kind::variable_group, {{}, {kind::variable_group.name, etypvar}},
-                               {filter_flags, filter_params}, sizeof(double), [&](Writer& io) {
-                                   attributes(io, b);
-                                   values(io, b);
-                               });
+                               {filter_flags, filter_params}, sizeof(double), b);
     });
 }
 
@@ -148,7 +175,7 @@ void KOB_READ_VARIABLEGROUP(const int64_t* block, const int32_t* mode, const voi
         }
         if ((value(mode) & variable_part::values) != 0) {
             values(io, b);
-            io.report_filters(filter_flags, filter_params);
+            io.report_filters(nullptr, filter_flags, filter_params);
         }
         return io.status();
     });
@@ -166,13 +193,25 @@ void KOB_WRITE_VARIABLE(const int64_t* group, const void*, const void*, const ch
     entry(status, [&] {
         const std::int32_t lenb = sum32(mbunit, value(ncoo));
         const std::int32_t lend = sum32(mdunit, value(ncoo));
-        const Variable<Writer> b{varkey,  varclass, varnam, ncoo, rank,  ndim, tensor, type,   &lenb,   &lend,    lvmap,
-                                 subslen, mbunit,   mdunit, ubid, ubexp, udid, udexp,  subscr, subscnt, subsoffs, vmap};
+        const Variable<Writer> b{varkey,
+                                 varclass,
+                                 varnam,
+                                 ncoo,
+                                 rank,
+                                 ndim,
+                                 tensor,
+                                 type,
+                                 &lenb,
+                                 &lend,
+                                 lvmap,
+                                 subslen,
+                                 {mbunit, mdunit, ubid, ubexp, udid, udexp},
+                                 subscr,
+                                 subscnt,
+                                 subsoffs,
+                                 vmap};
         return write_new_block(value(group), kind::variable, {{}, {kind::variable.name, varkey}},
-                               {filter_flags, filter_params}, stored_float(float_size), [&](Writer& io) {
-                                   attributes(io, b);
-                                   values(io, b);
-                               });
+                               {filter_flags, filter_params}, stored_float(float_size), b);
     });
 }
 
@@ -184,17 +223,62 @@ void KOB_READ_VARIABLE(const int64_t* block, const int32_t* mode, const void*, c
 {
     using namespace kob;
     entry(status, [&] {
-        const Variable<Reader> b{varkey,  varclass, varnam, ncoo, rank,  ndim, tensor, type,   lenb,    lend,     lvmap,
-                                 subslen, mbunit,   mdunit, ubid, ubexp, udid, udexp,  subscr, subscnt, subsoffs, vmap};
+        const Variable<Reader> b{varkey,
+                                 varclass,
+                                 varnam,
+                                 ncoo,
+                                 rank,
+                                 ndim,
+                                 tensor,
+                                 type,
+                                 lenb,
+                                 lend,
+                                 lvmap,
+                                 subslen,
+                                 {mbunit, mdunit, ubid, ubexp, udid, udexp},
+                                 subscr,
+                                 subscnt,
+                                 subsoffs,
+                                 vmap};
         Reader io{value(block), kind::variable};
         if ((value(mode) & variable_part::attributes) != 0) {
             attributes(io, b);
         }
         if ((value(mode) & variable_part::values) != 0) {
             values(io, b);
-            io.report_filters(filter_flags, filter_params);
+            io.report_filters(nullptr, filter_flags, filter_params);
         }
         return io.status();
+    });
+}
+
+// ---- older layout
+
+void KOB1_WRITE_VARIABLES(const int64_t* group, const char* etypvar, const int32_t* idtrans, const int32_t* rank,
+                          const int32_t* ndim, const int32_t* ncoo, const int32_t* mbunit, const int32_t* mdunit,
+                          const int32_t* ubid, const double* ubexp, const int32_t* udid, const double* udexp,
+                          const char* cname, const int32_t* cid, const int32_t* comp, const int32_t* filter_flags,
+                          const int32_t* filter_params, const int32_t* float_size, int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const OlderVariables<Writer> b{etypvar, idtrans, rank, ndim, ncoo, {mbunit, mdunit, ubid, ubexp, udid, udexp},
+                                       cname,   cid,     comp};
+        return write_new_block(older(group), kind::older_variables, {{}, {kind::older_variables.name, etypvar}},
+                               {filter_flags, filter_params}, stored_float(float_size), b);
+    });
+}
+
+void KOB1_READ_VARIABLES(const int64_t* block, const int32_t* pass, char* etypvar, int32_t* idtrans, int32_t* rank,
+                         int32_t* ndim, int32_t* ncoo, int32_t* mbunit, int32_t* mdunit, int32_t* ubid, double* ubexp,
+                         int32_t* udid, double* udexp, char* cname, int32_t* cid, int32_t* comp, int32_t* filter_flags,
+                         int32_t* filter_params, int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        const OlderVariables<Reader> b{etypvar, idtrans, rank, ndim, ncoo, {mbunit, mdunit, ubid, ubexp, udid, udexp},
+                                       cname,   cid,     comp};
+        return read_two_passes(older(block), kind::older_variables, b, value(pass), filter_flags, filter_params);
     });
 }
 
