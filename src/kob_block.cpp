@@ -97,19 +97,6 @@ std::int32_t product32(std::int32_t a, std::int32_t b)
 
 namespace {
 
-/// Subgroups of a block in the older layout.
-const char* place_name(Where where)
-{
-    switch (where) {
-    case Where::header:
-        return "header";
-    case Where::data:
-        return "data";
-    default:
-        return "index";
-    }
-}
-
 /// What is to be transferred needs an address, and a part of it the selection.
 void require(const void* data, const Shape& shape, const Part& part)
 {
@@ -120,31 +107,6 @@ void require(const void* data, const Shape& shape, const Part& part)
 }
 
 } // namespace
-
-// ---- places
-
-hid_t Places::open(Where where)
-{
-    if (block_.is_current()) {
-        return block_.group;
-    }
-    Id& place = opened_[static_cast<std::size_t>(where)];
-    if (!place && has_link(block_.group, place_name(where))) {
-        place = Id{H5Gopen2(block_.group, place_name(where), H5P_DEFAULT), H5Gclose};
-    }
-    return place.get();
-}
-
-hid_t Places::open_or_create(Where where)
-{
-    hid_t place = open(where);
-    if (place < 0 && block_.group >= 0) {
-        Id& made = opened_[static_cast<std::size_t>(where)];
-        made = Id{H5Gcreate2(block_.group, place_name(where), H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT), H5Gclose};
-        place = made.get();
-    }
-    return place;
-}
 
 // ---- Writer
 

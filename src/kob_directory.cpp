@@ -4,6 +4,7 @@
 #include "kob_entry.hpp"
 #include "kob_kinds.hpp"
 #include "kob_listing.hpp"
+#include "kob_location.hpp"
 #include "kob_storage.hpp"
 #include "kob_walk.hpp"
 
@@ -72,9 +73,9 @@ public:
         return true;
     }
 
-    void list(std::int32_t count, std::int64_t length) const
+    void list(const char* caller, std::int32_t count, std::int64_t length) const
     {
-        say_listing("KOB_LOOKUP", count, length, keys_, offsets_, paths_);
+        say_listing(caller, count, length, keys_, offsets_, paths_);
     }
 
 private:
@@ -113,60 +114,94 @@ private:
     char*& paths_;
 };
 
-/// The key of a candidate; false for a block group that has none.
-bool read_key(const Candidate& candidate, std::int32_t& key)
+/// The key of a candidate; false for a block group that has none where this generation keeps it.
+bool read_key(const Candidate& candidate, Generation generation, std::int32_t& key)
 {
     if (std::strcmp(candidate.link, header_group_name) == 0) {
         key = kind::file_header;
         return true;
     }
     const Id block{H5Gopen2(candidate.parent, candidate.link, H5P_DEFAULT), H5Gclose};
+    Places places{{block.get(), generation}};
+    const hid_t header = block ? places.open(Where::header) : H5I_INVALID_HID;
     const hsize_t one = 1;
-    return block && KOB_H5Aread("block", &key, type_code::integer, sizeof key, &one, 0, block.get(), nullptr,
-                                Report::silent) == 0;
+    return header >= 0 &&
+           KOB_H5Aread("block", &key, type_code::integer, sizeof key, &one, 0, header, nullptr, Report::silent) == 0;
+}
+
+/// The arguments that receive a listing.
+struct Listing {
+    std::int32_t* capacity;
+    std::int64_t* path_size;
+    std::int32_t* count;
+    std::int64_t* path_length;
+    std::int32_t** keys;
+    std::int64_t** offsets;
+    char** paths;
+
+    [[nodiscard]] bool is_complete() const
+    {
+        return capacity != nullptr && path_size != nullptr && count != nullptr && path_length != nullptr &&
+               keys != nullptr && offsets != nullptr && paths != nullptr;
+    }
+};
+
+std::int32_t look_up(Location group, bool stores, bool verbose, const Listing& out, const char* caller)
+{
+    if (!out.is_complete()) {
+        throw NullArgument{};
+    }
+    *out.count = 0;
+    *out.path_length = 0;
+    Directory directory{*out.capacity, *out.path_size, *out.keys, *out.offsets, *out.paths};
+    if (!stores) {
+        directory.clear();
+    } else if (!directory.prepare()) {
+        return -1;
+    }
+    const std::int32_t result = walk(group.group, [&](const Candidate& candidate) {
+        std::int32_t key = 0;
+        if (!read_key(candidate, group.generation, key)) {
+            return 0;
+        }
+        if (stores && !directory.add(*out.count, *out.path_length, key, candidate.path)) {
+            return stopped;
+        }
+        ++*out.count;
+        *out.path_length += static_cast<std::int64_t>(candidate.path.size()) + 1;
+        return 0;
+    });
+    if (stores && verbose) {
+        directory.list(caller, *out.count, *out.path_length);
+    }
+    return result;
 }
 
 } // namespace
 } // namespace kob
 
-extern "C" void kob_lookup(const int64_t* group, const int32_t* store, const int32_t* verbose, int32_t* capacity,
-                           int64_t* path_size, int32_t* count, int64_t* path_length, int32_t** keys, int64_t** offsets,
-                           char** paths, int32_t* status)
+extern "C" {
+
+void kob_lookup(const int64_t* group, const int32_t* store, const int32_t* verbose, int32_t* capacity,
+                int64_t* path_size, int32_t* count, int64_t* path_length, int32_t** keys, int64_t** offsets,
+                char** paths, int32_t* status)
 {
     using namespace kob;
     entry(status, [&] {
-        for (const void* argument :
-             {static_cast<const void*>(capacity), static_cast<const void*>(path_size), static_cast<const void*>(count),
-              static_cast<const void*>(path_length), static_cast<const void*>(keys), static_cast<const void*>(offsets),
-              static_cast<const void*>(paths)}) {
-            if (argument == nullptr) {
-                throw NullArgument{};
-            }
-        }
-        *count = 0;
-        *path_length = 0;
-        Directory directory{*capacity, *path_size, *keys, *offsets, *paths};
-        const bool stores = value(store) >= 1;
-        if (!stores) {
-            directory.clear();
-        } else if (!directory.prepare()) {
-            return -1;
-        }
-        const std::int32_t result = walk(value(group), [&](const Candidate& candidate) {
-            std::int32_t key = 0;
-            if (!read_key(candidate, key)) {
-                return 0;
-            }
-            if (stores && !directory.add(*count, *path_length, key, candidate.path)) {
-                return stopped;
-            }
-            ++*count;
-            *path_length += static_cast<std::int64_t>(candidate.path.size()) + 1;
-            return 0;
-        });
-        if (stores && value(verbose) != 0) {
-            directory.list(*count, *path_length);
-        }
-        return result;
+        return look_up(value(group), value(store) >= 1, value(verbose) != 0,
+                       {capacity, path_size, count, path_length, keys, offsets, paths}, "KOB_LOOKUP");
     });
 }
+
+void kob1_lookup(const int64_t* group, const int32_t* store, const int32_t* verbose, int32_t* capacity,
+                 int64_t* path_size, int32_t* count, int64_t* path_length, int32_t** keys, int64_t** offsets,
+                 char** paths, int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        return look_up(older(group), value(store) >= 1, value(verbose) != 0,
+                       {capacity, path_size, count, path_length, keys, offsets, paths}, "KOB1_LOOKUP");
+    });
+}
+
+} // extern "C"

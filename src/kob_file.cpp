@@ -423,6 +423,8 @@ void KOB_CLOSE(const int64_t* handle, int32_t* status)
     entry(status, [&] { return close_result_file(value(handle)); });
 }
 
+void KOB1_CLOSE(const int64_t* handle, int32_t* status) __attribute__((alias("KOB_CLOSE")));
+
 void KOB_FLUSH(const int64_t* handle, const int32_t* scope, int32_t* status)
 {
     using namespace kob;
@@ -447,6 +449,17 @@ void KOB_GET_VERSION(char* text, const int32_t* selector, const int32_t* verbose
             throw NullArgument{};
         }
         return get_version(Generation::current, text, value(selector), value(verbose));
+    });
+}
+
+void KOB1_GET_VERSION(char* text, const int32_t* selector, const int32_t* verbose, int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        if (text == nullptr) {
+            throw NullArgument{};
+        }
+        return get_version(Generation::older, text, value(selector), value(verbose));
     });
 }
 

@@ -126,4 +126,11 @@ void KOB_OPENAUTOPATH(const int64_t* parent, const int32_t* mask, const void*, c
     });
 }
 
+// The older layout has the same paths.
+void KOB1_OPENAUTOPATH(const int64_t* parent, const int32_t* mask, const void*, const int32_t* ioflag,
+                       const int32_t* nstate, const int32_t* states, const int32_t* state, const char* name1,
+                       const char* name2, const char* name3, const char* name4, const char* name5,
+                       const int32_t* number, const int32_t* set, int64_t* block, int32_t* status)
+    __attribute__((alias("KOB_OPENAUTOPATH")));
+
 } // extern "C"

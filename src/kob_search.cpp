@@ -4,6 +4,7 @@
 #include "kob_entry.hpp"
 #include "kob_kinds.hpp"
 #include "kob_listing.hpp"
+#include "kob_location.hpp"
 #include "kob_storage.hpp"
 #include "kob_text.hpp"
 #include "kob_walk.hpp"
@@ -150,23 +151,41 @@ constexpr std::array facts_of_kinds{
               .state_index = true},
 };
 
-KindFacts facts_of(std::int32_t key)
+// What the older layout keeps elsewhere, or not at all.
+constexpr std::array facts_of_older_kinds{
+    KindFacts{.kind = &kind::older_variables, .group_name = true},
+    KindFacts{.kind = &kind::older_text, .entity_type = "etyptext"},
+};
+
+KindFacts facts_of(std::int32_t key, Generation generation)
 {
-    const auto* found = std::find_if(facts_of_kinds.begin(), facts_of_kinds.end(),
-                                     [key](const KindFacts& facts) { return facts.kind->owns(key); });
+    const auto owns = [key](const KindFacts& facts) { return facts.kind->owns(key); };
+    if (generation == Generation::older) {
+        const auto* differing = std::find_if(facts_of_older_kinds.begin(), facts_of_older_kinds.end(), owns);
+        if (differing != facts_of_older_kinds.end()) {
+            return *differing;
+        }
+    }
+    const auto* found = std::find_if(facts_of_kinds.begin(), facts_of_kinds.end(), owns);
     return found == facts_of_kinds.end() ? KindFacts{} : *found;
 }
 
 /// The items of one candidate, read without a word about what cannot be read.
 class Items {
 public:
-    explicit Items(Id group) : group_{std::move(group)} {}
+    Items(Id group, Generation generation)
+        : group_{std::move(group)}, generation_{generation}, places_{{group_.get(), generation}},
+          header_{group_ ? places_.open(Where::header) : H5I_INVALID_HID}
+    {
+    }
+
+    [[nodiscard]] Generation generation() const { return generation_; }
 
     [[nodiscard]] std::optional<std::int32_t> integer(const char* name) const
     {
         std::int32_t number = 0;
         const hsize_t one = 1;
-        const bool read = KOB_H5Aread(name, &number, type_code::integer, sizeof number, &one, 0, group_.get(), nullptr,
+        const bool read = KOB_H5Aread(name, &number, type_code::integer, sizeof number, &one, 0, header_, nullptr,
                                       Report::silent) == 0;
         return read ? std::optional{number} : std::nullopt;
     }
@@ -174,8 +193,7 @@ public:
     [[nodiscard]] bool text(const char* name, char* field) const
     {
         const hsize_t one = 1;
-        return KOB_H5Aread(name, field, type_code::text, name_length, &one, 0, group_.get(), nullptr, Report::silent) ==
-               0;
+        return KOB_H5Aread(name, field, type_code::text, name_length, &one, 0, header_, nullptr, Report::silent) == 0;
     }
 
     [[nodiscard]] bool has_text(const char* name, const std::string& wanted) const
@@ -186,24 +204,26 @@ public:
 
     /// A list of `count` numbers: empty when the stored one has another length.
     template <class Number>
-    [[nodiscard]] std::optional<std::vector<Number>> list(const char* name, std::int32_t count) const
+    [[nodiscard]] std::optional<std::vector<Number>> list(Where where, const char* name, std::int32_t count)
     {
-        if (count < 0 || stored_count(name) != count) {
+        // A buffer is sized by what is stored: an attribute may claim anything.
+        const hid_t place = group_ ? places_.open(where) : H5I_INVALID_HID;
+        if (count < 0 || count_elements(place, name) != count) {
             return std::nullopt;
         }
         std::vector<Number> numbers(static_cast<std::size_t>(count));
         const auto extent = static_cast<hsize_t>(count);
         const std::int32_t type = std::is_floating_point_v<Number> ? type_code::real : type_code::integer;
         const bool read = KOB_H5Dread(name, numbers.data(), type, sizeof(Number), &extent, 1, nullptr, nullptr,
-                                      access_mode::whole, group_.get(), nullptr, nullptr, nullptr, Report::silent) == 0;
+                                      access_mode::whole, place, nullptr, nullptr, nullptr, Report::silent) == 0;
         return read ? std::optional{std::move(numbers)} : std::nullopt;
     }
 
 private:
-    // A buffer is sized by what is stored: an attribute may claim anything.
-    [[nodiscard]] std::int64_t stored_count(const char* name) const { return count_elements(group_.get(), name); }
-
     Id group_;
+    Generation generation_;
+    Places places_;
+    hid_t header_;
 };
 
 bool matches_text(const Items& items, const char* name, const std::optional<std::string>& wanted)
@@ -216,7 +236,7 @@ bool matches_integer(const Items& items, const char* name, const std::optional<s
     return !wanted || items.integer(name) == wanted;
 }
 
-bool matches_state(const Items& items, const KindFacts& facts, const Criteria& criteria)
+bool matches_state(Items& items, const KindFacts& facts, const Criteria& criteria)
 {
     if (!criteria.nindex) {
         return true;
@@ -232,8 +252,8 @@ bool matches_state(const Items& items, const KindFacts& facts, const Criteria& c
     if (wanted == 0 || *nindex <= 0) {
         return true;
     }
-    const auto identifiers = items.list<std::int32_t>("indexident", *nindex);
-    const auto index_values = items.list<double>("indexval", *nindex);
+    const auto identifiers = items.list<std::int32_t>(Where::index, "indexident", *nindex);
+    const auto index_values = items.list<double>(Where::index, "indexval", *nindex);
     if (!identifiers || !index_values) {
         return false;
     }
@@ -251,7 +271,7 @@ bool matches_state(const Items& items, const KindFacts& facts, const Criteria& c
     return true;
 }
 
-bool holds_entity(const Items& items, const KindFacts& facts, const std::optional<std::int32_t>& wanted)
+bool holds_entity(Items& items, const KindFacts& facts, const std::optional<std::int32_t>& wanted)
 {
     if (!wanted) {
         return true;
@@ -260,16 +280,16 @@ bool holds_entity(const Items& items, const KindFacts& facts, const std::optiona
         return false;
     }
     const std::optional<std::int32_t> count = items.integer(facts.entity_count);
-    const auto entities = count ? items.list<std::int32_t>(facts.entity_list, *count) : std::nullopt;
+    const auto entities = count ? items.list<std::int32_t>(Where::data, facts.entity_list, *count) : std::nullopt;
     return entities && std::find(entities->begin(), entities->end(), *wanted) != entities->end();
 }
 
-bool matches(const Items& items, std::int32_t key, const Criteria& criteria)
+bool matches(Items& items, std::int32_t key, const Criteria& criteria)
 {
     if (criteria.key && (key == 0 || key != *criteria.key)) {
         return false;
     }
-    const KindFacts facts = facts_of(key);
+    const KindFacts facts = facts_of(key, items.generation());
     return (facts.entity_type == nullptr || matches_text(items, facts.entity_type, criteria.etyp)) &&
            (facts.second_name == nullptr || matches_text(items, facts.second_name, criteria.second_name)) &&
            (!facts.group_name || matches_text(items, "etypvar", criteria.etypvar)) &&
@@ -327,61 +347,123 @@ std::optional<std::int32_t> integer_criterion(const std::int32_t* number, std::i
     return value(number) < smallest ? std::nullopt : std::optional{*number};
 }
 
+/// The arguments of a search, as the caller gave them.
+struct SearchCall {
+    const std::int32_t* option;
+    const std::int32_t* verbose;
+    const std::int32_t* key;
+    const char* etyp;
+    const char* etypvar;
+    const char* etypzone;
+    const std::int32_t* zoneid;
+    const char* etypframe;
+    const char* series;
+    const std::int32_t* matrixtype;
+    const std::int32_t* entid;
+    const char* name2;
+    const std::int32_t* nindex;
+    const std::int32_t* indexident_low;
+    const double* indexval_low;
+    const std::int32_t* indexident_high;
+    const double* indexval_high;
+    const std::int32_t* capacity;
+    const std::int64_t* path_size;
+    std::int32_t* count;
+    std::int64_t* path_length;
+    std::int32_t* keys;
+    std::int64_t* offsets;
+    char* paths;
+    char* typenames;
+};
+
+std::int32_t search(Location group, const SearchCall& call, const char* caller)
+{
+    const Criteria criteria{integer_criterion(call.key, 1),
+                            name_criterion(call.etyp),
+                            name_criterion(call.etypvar),
+                            name_criterion(call.etypzone),
+                            integer_criterion(call.zoneid, 0),
+                            name_criterion(call.etypframe),
+                            name_criterion(call.series),
+                            integer_criterion(call.matrixtype, 0),
+                            integer_criterion(call.entid, 0),
+                            name_criterion(call.name2),
+                            integer_criterion(call.nindex, 0),
+                            call.indexident_low,
+                            call.indexval_low,
+                            call.indexident_high,
+                            call.indexval_high};
+    const bool fills = value(call.option) >= 1;
+    const bool names_types = fills && (value(call.option) & 2) != 0;
+    if (call.count == nullptr || call.path_length == nullptr ||
+        (fills && (call.keys == nullptr || call.offsets == nullptr || call.paths == nullptr)) ||
+        (names_types && call.typenames == nullptr)) {
+        throw NullArgument{};
+    }
+    Outputs outputs{
+        fills,      fills ? value(call.capacity) : 0,      fills ? value(call.path_size) : 0, call.keys, call.offsets,
+        call.paths, names_types ? call.typenames : nullptr};
+    if (fills) {
+        *call.offsets = 0;
+        if (outputs.path_size > 0) {
+            *call.paths = '\0';
+        }
+    }
+    const std::int32_t result = walk(group.group, [&](const Candidate& candidate) {
+        const bool is_header = std::strcmp(candidate.link, header_group_name) == 0;
+        Items items{Id{H5Gopen2(candidate.parent, candidate.link, H5P_DEFAULT), H5Gclose}, group.generation};
+        const std::int32_t found = is_header ? kind::file_header : items.integer("block").value_or(0);
+        return matches(items, found, criteria) ? outputs.add(items, found, candidate.path) : 0;
+    });
+    *call.count = outputs.count;
+    *call.path_length = outputs.path_length;
+    if (fills && value(call.verbose) != 0) {
+        say_listing(caller, outputs.count, outputs.path_length, call.keys, call.offsets, call.paths);
+    }
+    return result;
+}
+
 } // namespace
 } // namespace kob
 
-extern "C" void KOB_SEARCHBLOCKS(const int64_t* group, const int32_t* option, const int32_t* verbose,
-                                 const int32_t* key, const char* etyp, const char* etypvar, const char* etypzone,
-                                 const int32_t* zoneid, const char* etypframe, const char* series,
-                                 const int32_t* matrixtype, const int32_t* entid, const char* name2, const void*,
-                                 const int32_t* nindex, const int32_t* indexident_low, const double* indexval_low,
-                                 const int32_t* indexident_high, const double* indexval_high, const int32_t* capacity,
-                                 const int64_t* path_size, int32_t* count, int64_t* path_length, int32_t* keys,
-                                 int64_t* offsets, char* paths, char* typenames, int32_t* status)
+extern "C" {
+
+void KOB_SEARCHBLOCKS(const int64_t* group, const int32_t* option, const int32_t* verbose, const int32_t* key,
+                      const char* etyp, const char* etypvar, const char* etypzone, const int32_t* zoneid,
+                      const char* etypframe, const char* series, const int32_t* matrixtype, const int32_t* entid,
+                      const char* name2, const void*, const int32_t* nindex, const int32_t* indexident_low,
+                      const double* indexval_low, const int32_t* indexident_high, const double* indexval_high,
+                      const int32_t* capacity, const int64_t* path_size, int32_t* count, int64_t* path_length,
+                      int32_t* keys, int64_t* offsets, char* paths, char* typenames, int32_t* status)
 {
     using namespace kob;
     entry(status, [&] {
-        const Criteria criteria{integer_criterion(key, 1),
-                                name_criterion(etyp),
-                                name_criterion(etypvar),
-                                name_criterion(etypzone),
-                                integer_criterion(zoneid, 0),
-                                name_criterion(etypframe),
-                                name_criterion(series),
-                                integer_criterion(matrixtype, 0),
-                                integer_criterion(entid, 0),
-                                name_criterion(name2),
-                                integer_criterion(nindex, 0),
-                                indexident_low,
-                                indexval_low,
-                                indexident_high,
-                                indexval_high};
-        const bool fills = value(option) >= 1;
-        const bool names_types = fills && (value(option) & 2) != 0;
-        if (count == nullptr || path_length == nullptr ||
-            (fills && (keys == nullptr || offsets == nullptr || paths == nullptr)) ||
-            (names_types && typenames == nullptr)) {
-            throw NullArgument{};
-        }
-        Outputs outputs{fills, fills ? value(capacity) : 0,      fills ? value(path_size) : 0, keys, offsets,
-                        paths, names_types ? typenames : nullptr};
-        if (fills) {
-            *offsets = 0;
-            if (outputs.path_size > 0) {
-                *paths = '\0';
-            }
-        }
-        const std::int32_t result = walk(value(group), [&](const Candidate& candidate) {
-            const bool is_header = std::strcmp(candidate.link, header_group_name) == 0;
-            const Items items{Id{H5Gopen2(candidate.parent, candidate.link, H5P_DEFAULT), H5Gclose}};
-            const std::int32_t found = is_header ? kind::file_header : items.integer("block").value_or(0);
-            return matches(items, found, criteria) ? outputs.add(items, found, candidate.path) : 0;
-        });
-        *count = outputs.count;
-        *path_length = outputs.path_length;
-        if (fills && value(verbose) != 0) {
-            say_listing("KOB_SEARCHBLOCKS", outputs.count, outputs.path_length, keys, offsets, paths);
-        }
-        return result;
+        return search(value(group),
+                      {option,       verbose,         key,           etyp,     etypvar,   etypzone, zoneid,
+                       etypframe,    series,          matrixtype,    entid,    name2,     nindex,   indexident_low,
+                       indexval_low, indexident_high, indexval_high, capacity, path_size, count,    path_length,
+                       keys,         offsets,         paths,         typenames},
+                      "KOB_SEARCHBLOCKS");
     });
 }
+
+void KOB1_SEARCHBLOCKS(const int64_t* group, const int32_t* option, const int32_t* verbose, const int32_t* key,
+                       const char* etyp, const char* etypvar, const char* etypzone, const int32_t* zoneid,
+                       const char* etypframe, const char* series, const int32_t* matrixtype, const int32_t* entid,
+                       const char* name2, const void*, const int32_t* nindex, const int32_t* indexident_low,
+                       const double* indexval_low, const int32_t* indexident_high, const double* indexval_high,
+                       const int32_t* capacity, const int64_t* path_size, int32_t* count, int64_t* path_length,
+                       int32_t* keys, int64_t* offsets, char* paths, char* typenames, int32_t* status)
+{
+    using namespace kob;
+    entry(status, [&] {
+        return search(older(group),
+                      {option,       verbose,         key,           etyp,     etypvar,   etypzone, zoneid,
+                       etypframe,    series,          matrixtype,    entid,    name2,     nindex,   indexident_low,
+                       indexval_low, indexident_high, indexval_high, capacity, path_size, count,    path_length,
+                       keys,         offsets,         paths,         typenames},
+                      "KOB1_SEARCHBLOCKS");
+    });
+}
+
+} // extern "C"
