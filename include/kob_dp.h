@@ -2452,6 +2452,370 @@ KOB_API void KOB_READ_PARAM(const char* path, int32_t path_length, const int32_t
 
 /** @} */
 
+/** @defgroup older The older layout
+ *  Files of version 1: the same blocks at the same paths, but each block's group is divided into "header" (frame and
+ *  scalar items), "data" (datasets) and "index" (the state index). No block holds "indexic".
+ *
+ *  Writers and readers are those of the current layout less indexic, unless their arguments say otherwise. Readers take
+ *  a pass: 1 attributes, 2 everything; matrices also 3 and 4, the C reader 3 to 5; any other is status -3. The "2"
+ *  readers take section bits, as their twins do. Further statuses of readers: -1 when "header", or a "data" or "index"
+ *  that is needed, is missing. A reader of one layout refuses the blocks of the other.
+ *
+ *  The number of states of a series is the extent of its values; the attribute "nstate" is written, and not believed.
+ *  @{ */
+
+/** Opens or creates a block group by its path, as KOB_OPENAUTOPATH() does: the paths of both layouts are the same. */
+KOB_API void KOB1_OPENAUTOPATH(const int64_t* parent, const int32_t* mask, const void* unused3, const int32_t* ioflag,
+                               const int32_t* nstate, const int32_t* states, const int32_t* state, const char* name1,
+                               const char* name2, const char* name3, const char* name4, const char* name5,
+                               const int32_t* number, const int32_t* set, int64_t* block, int32_t* status);
+
+/** Closes a file with everything that is open in it, as KOB_CLOSE() does. */
+KOB_API void KOB1_CLOSE(const int64_t* handle, int32_t* status);
+
+/** Tells the versions of the libraries, as KOB_GET_VERSION() does; the format version is KOB-1.2.0. */
+KOB_API void KOB1_GET_VERSION(char* text, const int32_t* selector, const int32_t* verbose, int32_t* status);
+
+/** Lists all blocks of the older layout, as kob_lookup() does those of the current one. */
+KOB_API void kob1_lookup(const int64_t* group, const int32_t* store, const int32_t* verbose, int32_t* capacity,
+                         int64_t* path_size, int32_t* count, int64_t* path_length, int32_t** keys, int64_t** offsets,
+                         char** paths, int32_t* status);
+
+/** Finds blocks of the older layout, as KOB_SEARCHBLOCKS() does those of the current one. Variables blocks (key 30) take
+ *  the criterion etypvar; text blocks count as constant. */
+KOB_API void KOB1_SEARCHBLOCKS(const int64_t* group, const int32_t* option, const int32_t* verbose, const int32_t* key,
+                               const char* etyp, const char* etypvar, const char* etypzone, const int32_t* zoneid,
+                               const char* etypframe, const char* series, const int32_t* matrixtype,
+                               const int32_t* entid, const char* name2, const void* unused, const int32_t* nindex,
+                               const int32_t* indexident_low, const double* indexval_low,
+                               const int32_t* indexident_high, const double* indexval_high, const int32_t* capacity,
+                               const int64_t* path_size, int32_t* count, int64_t* path_length, int32_t* keys,
+                               int64_t* offsets, char* paths, char* typenames, int32_t* status);
+
+/** Writes a block of the older layout; see KOB_WRITE_SYSTEM(). */
+KOB_API void KOB1_WRITE_SYSTEM(const int64_t* group, const char* title, const char* sys, const char* solver_name,
+                               const char* solver_vers, const char* cdate, const char* ctime, const char* mdate,
+                               const char* mtime, const int32_t* nbunit, const int32_t* ndunit, const int32_t* ubid,
+                               const char* ubtyp, const char* ubnam, const double* ubshift, const double* ubcon,
+                               const int32_t* udid, const char* udnam, const double* udscal, const int32_t* ndbunit,
+                               const int32_t* udbid, const double* udbexp, const int32_t* filter_flags,
+                               const int32_t* filter_params, const int32_t* float_size, int32_t* status);
+
+/** Reads a block of the older layout; see KOB_READ_SYSTEM(). */
+KOB_API void KOB1_READ_SYSTEM(const int64_t* block, const int32_t* mode, char* title, char* sys, char* solver_name,
+                              char* solver_vers, char* cdate, char* ctime, char* mdate, char* mtime, int32_t* nbunit,
+                              int32_t* ndunit, int32_t* ubid, char* ubtyp, char* ubnam, double* ubshift, double* ubcon,
+                              int32_t* udid, char* udnam, double* udscal, int32_t* ndbunit, int32_t* udbid,
+                              double* udbexp, int32_t* filter_flags, int32_t* filter_params, int32_t* status);
+
+/** Writes a block of the older layout; see KOB_WRITE_INDEX(). */
+KOB_API void KOB1_WRITE_INDEX(const int64_t* group, const int32_t* nindex, const char* etypindex, const int32_t* mbunit,
+                              const int32_t* mdunit, const int32_t* ubid, const double* ubexp, const int32_t* udid,
+                              const double* udexp, const int32_t* filter_flags, const int32_t* filter_params,
+                              const int32_t* float_size, int32_t* status);
+
+/** Reads a block of the older layout; see KOB_READ_INDEX(). */
+KOB_API void KOB1_READ_INDEX(const int64_t* block, const int32_t* pass, int32_t* nindex, char* etypindex,
+                             int32_t* mbunit, int32_t* mdunit, int32_t* ubid, double* ubexp, int32_t* udid,
+                             double* udexp, int32_t* filter_flags, int32_t* filter_params, int32_t* status);
+
+/** Writes a block of the older layout; see KOB_WRITE_VARIABLE(). */
+KOB_API void KOB1_WRITE_VARIABLES(const int64_t* group, const char* etypvar, const int32_t* idtrans,
+                                  const int32_t* rank, const int32_t* ndim, const int32_t* ncoo, const int32_t* mbunit,
+                                  const int32_t* mdunit, const int32_t* ubid, const double* ubexp, const int32_t* udid,
+                                  const double* udexp, const char* cname, const int32_t* cid, const int32_t* comp,
+                                  const int32_t* filter_flags, const int32_t* filter_params, const int32_t* float_size,
+                                  int32_t* status);
+
+/** Reads a block of the older layout; see KOB_READ_VARIABLE(). */
+KOB_API void KOB1_READ_VARIABLES(const int64_t* block, const int32_t* pass, char* etypvar, int32_t* idtrans,
+                                 int32_t* rank, int32_t* ndim, int32_t* ncoo, int32_t* mbunit, int32_t* mdunit,
+                                 int32_t* ubid, double* ubexp, int32_t* udid, double* udexp, char* cname, int32_t* cid,
+                                 int32_t* comp, int32_t* filter_flags, int32_t* filter_params, int32_t* status);
+
+/** Writes a block of the older layout; see KOB_WRITE_TEXT(). */
+KOB_API void KOB1_WRITE_TEXT(const int64_t* group, const char* etyptext, const int32_t* nlines, const int32_t* length,
+                             const char* line, const int32_t* filter_flags, const int32_t* filter_params,
+                             int32_t* status);
+
+/** Reads a block of the older layout; see KOB_READ_TEXT(). */
+KOB_API void KOB1_READ_TEXT(const int64_t* block, const int32_t* pass, char* etyptext, int32_t* nlines, int32_t* length,
+                            char* line, int32_t* filter_flags, int32_t* filter_params, int32_t* status);
+
+/** Writes a block of the older layout; see KOB_WRITE_PARTS(). */
+KOB_API void KOB1_WRITE_PARTS(const int64_t* group, const char* etyppart, const int32_t* npart, const int32_t* off,
+                              const int32_t* nindex, const int32_t* indexident, const double* indexval,
+                              const int32_t* pid, const char* title, const int32_t* mid, const int32_t* mtyp,
+                              const int32_t* pcol, const int32_t* pvtyp, const int32_t* state,
+                              const int32_t* filter_flags, const int32_t* filter_params, const int32_t* float_size,
+                              int32_t* status);
+
+/** Reads a block of the older layout; see KOB_READ_PARTS(). */
+KOB_API void KOB1_READ_PARTS(const int64_t* block, const int32_t* pass, char* etyppart, int32_t* npart, int32_t* off,
+                             int32_t* nindex, int32_t* indexident, double* indexval, int32_t* pid, char* title,
+                             int32_t* mid, int32_t* mtyp, int32_t* pcol, int32_t* pvtyp, int32_t* filter_flags,
+                             int32_t* filter_params, int32_t* status);
+
+/** Writes a block of the older layout; see KOB_WRITE_ATTRIBUTES(). */
+KOB_API void KOB1_WRITE_ATTRIBUTES(const int64_t* group, const char* etyp, const int32_t* nent, const int32_t* nuid,
+                                   const int32_t* nindex, const int32_t* indexident, const double* indexval,
+                                   const int32_t* entid, const char* title, const int32_t* uid, const int32_t* state,
+                                   const int32_t* filter_flags, const int32_t* filter_params, const int32_t* float_size,
+                                   int32_t* status);
+
+/** Reads a block of the older layout; see KOB_READ_ATTRIBUTES(). */
+KOB_API void KOB1_READ_ATTRIBUTES(const int64_t* block, const int32_t* pass, char* etyp, int32_t* nent, int32_t* nuid,
+                                  int32_t* nindex, int32_t* indexident, double* indexval, int32_t* entid, char* title,
+                                  int32_t* uid, int32_t* filter_flags, int32_t* filter_params, int32_t* status);
+
+/** Writes a block of the older layout; see KOB_WRITE_CONNECTIVITIES(). */
+KOB_API void KOB1_WRITE_CONNECTIVITIES(
+    const int64_t* group, const char* etypelem, const char* etyppart, const char* etypnode, const int32_t* nele,
+    const int32_t* npele, const int32_t* ndim, const int32_t* nbint, const int32_t* nbfloat, const int32_t* nindex,
+    const int32_t* indexident, const double* indexval, const int32_t* idele, const int32_t* pid, const int32_t* ic,
+    const int32_t* iparam, const double* fparam, const int32_t* mbunit, const int32_t* mdunit, const int32_t* ubid,
+    const double* ubexp, const int32_t* udid, const double* udexp, const int32_t* state, const int32_t* filter_flags,
+    const int32_t* filter_params, const int32_t* float_size, int32_t* status);
+
+/** Reads a block of the older layout; see KOB_READ_CONNECTIVITIES(). */
+KOB_API void KOB1_READ_CONNECTIVITIES(const int64_t* block, const int32_t* pass, char* etypelem, char* etyppart,
+                                      char* etypnode, int32_t* nele, int32_t* npele, int32_t* ndim, int32_t* nbint,
+                                      int32_t* nbfloat, int32_t* nindex, int32_t* indexident, double* indexval,
+                                      int32_t* idele, int32_t* pid, int32_t* ic, int32_t* iparam, double* fparam,
+                                      int32_t* mbunit, int32_t* mdunit, int32_t* ubid, double* ubexp, int32_t* udid,
+                                      double* udexp, int32_t* filter_flags, int32_t* filter_params, int32_t* status);
+
+/** Writes a block of the older layout; see KOB_WRITE_COLLECTOR(). */
+KOB_API void KOB1_WRITE_COLLECTOR(const int64_t* group, const char* etypcoll, const int32_t* ncoll, const int32_t* ntyp,
+                                  const int32_t* nindex, const int32_t* indexident, const double* indexval,
+                                  const int32_t* idcoll, const char* etyp, const int32_t* nent, const int32_t* entid,
+                                  const int32_t* state, const int32_t* filter_flags, const int32_t* filter_params,
+                                  const int32_t* float_size, int32_t* status);
+
+/** Reads a block of the older layout; see KOB_READ_COLLECTOR(). */
+KOB_API void KOB1_READ_COLLECTOR(const int64_t* block, const int32_t* mode, int32_t* nenttot, char* etypcoll,
+                                 int32_t* ncoll, int32_t* ntyp, int32_t* nindex, int32_t* indexident, double* indexval,
+                                 int32_t* idcoll, char* etyp, int32_t* nent, int32_t* entid, int32_t* filter_flags,
+                                 int32_t* filter_params, int32_t* status);
+
+/** Writes a block of the older layout; see KOB_WRITE_ACTIVFLAGS(). */
+KOB_API void KOB1_WRITE_ACTIVFLAGS(const int64_t* group, const char* etyp, const int32_t* nent, const int32_t* nindex,
+                                   const int32_t* indexident, const double* indexval, const int32_t* entid,
+                                   const int32_t* flags, const int32_t* state, const int32_t* filter_flags,
+                                   const int32_t* filter_params, const int32_t* float_size, int32_t* status);
+
+/** Reads a block of the older layout; see KOB_READ_ACTIVFLAGS(). */
+KOB_API void KOB1_READ_ACTIVFLAGS(const int64_t* block, const int32_t* pass, char* etyp, int32_t* nent, int32_t* nindex,
+                                  int32_t* indexident, double* indexval, int32_t* entid, int32_t* flags,
+                                  int32_t* filter_flags, int32_t* filter_params, int32_t* status);
+
+/** Writes a block of the older layout; see KOB_WRITE_ENTITYRESULTS(). */
+KOB_API void KOB1_WRITE_ENTITYRESULTS(const int64_t* group, const char* etyp, const int32_t* nent, const char* etypvar,
+                                      const int32_t* ncoo, const char* etypzone, const int32_t* zoneid,
+                                      const char* etypframe, const int32_t* fswitch, const int32_t* dmpswitch,
+                                      const int32_t* nindex, const int32_t* indexident, const double* indexval,
+                                      const int32_t* entid, const int32_t* fidglob, const int32_t* fid,
+                                      const char* operator_, const double* weight, const double* res,
+                                      const int32_t* set, const int32_t* state, const int32_t* filter_flags,
+                                      const int32_t* filter_params, const int32_t* value_size, int32_t* status);
+
+/** Reads a block of the older layout; see KOB_READ_ENTITYRESULTS(). */
+KOB_API void KOB1_READ_ENTITYRESULTS(const int64_t* block, const int32_t* pass, char* etyp, int32_t* nent,
+                                     char* etypvar, int32_t* ncoo, char* etypzone, int32_t* zoneid, char* etypframe,
+                                     int32_t* fswitch, int32_t* dmpswitch, int32_t* nindex, int32_t* indexident,
+                                     double* indexval, int32_t* entid, int32_t* fidglob, int32_t* fid, char* operator_,
+                                     double* weight, double* res, int32_t* filter_flags, int32_t* filter_params,
+                                     int32_t* status);
+
+/** Writes a block of the older layout; see KOB_WRITE_ENTITYRESULTS2(). */
+KOB_API void KOB1_WRITE_ENTITYRESULTS2(const int64_t* groups, const int32_t* sections, const void* unused3,
+                                       const char* etyp, const int32_t* nent, const char* etypvar, const int32_t* ncoo,
+                                       const char* etypzone, const int32_t* zoneid, const char* etypframe,
+                                       const int32_t* fswitch, const int32_t* dmpswitch, const int32_t* nindex,
+                                       const int32_t* indexident, const double* indexval, const int32_t* entid,
+                                       const int32_t* fidglob, const int32_t* fid, const char* operator_,
+                                       const double* weight, const void* res, const int32_t* memory_size,
+                                       const int32_t* filter_flags, const int32_t* filter_params,
+                                       const int32_t* value_size, const int32_t* mode, const int64_t* count,
+                                       const int64_t* start, int32_t* status);
+
+/** Reads a block of the older layout; see KOB_READ_ENTITYRESULTS2(). */
+KOB_API void KOB1_READ_ENTITYRESULTS2(const int64_t* block, const int32_t* sections, const void* unused3, char* etyp,
+                                      int32_t* nent, char* etypvar, int32_t* ncoo, char* etypzone, int32_t* zoneid,
+                                      char* etypframe, int32_t* fswitch, int32_t* dmpswitch, int32_t* nindex,
+                                      int32_t* indexident, double* indexval, int32_t* entid, int32_t* fidglob,
+                                      int32_t* fid, char* operator_, double* weight, void* res,
+                                      const int32_t* memory_size, int32_t* filter_flags, int32_t* filter_params,
+                                      const int32_t* mode, const int64_t* count, const int64_t* start, int32_t* status);
+
+/** Writes a block of the older layout; see KOB_WRITE_ELEMENTRESULTS(). */
+KOB_API void KOB1_WRITE_ELEMENTRESULTS(
+    const int64_t* group, const char* etypelem, const int32_t* nele, const char* etypvar, const int32_t* ncoo,
+    const int32_t* numl, const int32_t* ndim, const char* etypzone, const int32_t* zoneid, const char* etypframe,
+    const int32_t* fswitch, const int32_t* dmpswitch, const int32_t* nindex, const int32_t* indexident,
+    const double* indexval, const int32_t* idele, const int32_t* fidglob, const int32_t* fid, const double* eloc,
+    const char* operator_, const double* weight, const double* res, const int32_t* set, const int32_t* state,
+    const int32_t* filter_flags, const int32_t* filter_params, const int32_t* value_size, int32_t* status);
+
+/** Reads a block of the older layout; see KOB_READ_ELEMENTRESULTS(). */
+KOB_API void KOB1_READ_ELEMENTRESULTS(const int64_t* block, const int32_t* pass, char* etypelem, int32_t* nele,
+                                      char* etypvar, int32_t* ncoo, int32_t* numl, int32_t* ndim, char* etypzone,
+                                      int32_t* zoneid, char* etypframe, int32_t* fswitch, int32_t* dmpswitch,
+                                      int32_t* nindex, int32_t* indexident, double* indexval, int32_t* idele,
+                                      int32_t* fidglob, int32_t* fid, double* eloc, char* operator_, double* weight,
+                                      double* res, int32_t* filter_flags, int32_t* filter_params, int32_t* status);
+
+/** Writes a block of the older layout; see KOB_WRITE_MULTIENTITYRESULTS(). */
+KOB_API void KOB1_WRITE_MULTIENTITYRESULTS(const int64_t* group, const char* series, const char* etyp,
+                                           const int32_t* nent, const char* etypvar, const int32_t* ncoo,
+                                           const char* etypzone, const int32_t* zoneid, const char* etypframe,
+                                           const int32_t* fswitch, const int32_t* dmpswitch, const int32_t* nindex,
+                                           const int32_t* indexident, const void* indexval, const int32_t* entid,
+                                           const int32_t* fidglob, const int32_t* fid, const char* operator_,
+                                           const void* weight, const void* res, const int32_t* set,
+                                           const int32_t* state, const int32_t* filter_flags,
+                                           const int32_t* filter_params, const int32_t* value_size, int32_t* status);
+
+/** Reads a block of the older layout; see KOB_READ_MULTIENTITYRESULTS(). */
+KOB_API void KOB1_READ_MULTIENTITYRESULTS(const int64_t* block, const int32_t* pass, char* series, char* etyp,
+                                          int32_t* nent, char* etypvar, int32_t* ncoo, char* etypzone, int32_t* zoneid,
+                                          char* etypframe, int32_t* fswitch, int32_t* dmpswitch, int32_t* nindex,
+                                          int32_t* nstate, int32_t* indexident, double* indexval, int32_t* entid,
+                                          int32_t* fidglob, int32_t* fid, char* operator_, double* weight, double* res,
+                                          int32_t* filter_flags, int32_t* filter_params, int32_t* status);
+
+/** Writes a block of the older layout; see KOB_WRITE_MULTIENTITYRESULTS2(). */
+KOB_API void KOB1_WRITE_MULTIENTITYRESULTS2(
+    const int64_t* groups, const void* unused2, const void* unused3, const char* series, const char* etyp,
+    const int32_t* nent, const char* etypvar, const int32_t* ncoo, const char* etypzone, const int32_t* zoneid,
+    const char* etypframe, const int32_t* fswitch, const int32_t* dmpswitch, const int32_t* nindex,
+    const int32_t* indexident, const void* indexval, const int32_t* entid, const int32_t* fidglob, const int32_t* fid,
+    const char* operator_, const void* weight, const void* res, const int32_t* memory_size, const int32_t* state,
+    const int32_t* filter_flags, const int32_t* filter_params, const int32_t* value_size, const int32_t* mode,
+    const int64_t* count, const int64_t* start, int32_t* nstate, int32_t* status);
+
+/** Reads a block of the older layout; see KOB_READ_MULTIENTITYRESULTS2(). */
+KOB_API void KOB1_READ_MULTIENTITYRESULTS2(const int64_t* block, const int32_t* sections, const void* unused3,
+                                           char* series, char* etyp, int32_t* nent, char* etypvar, int32_t* ncoo,
+                                           char* etypzone, int32_t* zoneid, char* etypframe, int32_t* fswitch,
+                                           int32_t* dmpswitch, int32_t* nindex, int32_t* nstate, int32_t* indexident,
+                                           void* indexval, int32_t* entid, int32_t* fidglob, int32_t* fid,
+                                           char* operator_, void* weight, void* res, const int32_t* memory_size,
+                                           int32_t* filter_flags, int32_t* filter_params, const int32_t* mode,
+                                           const int64_t* count, const int64_t* start, int32_t* status);
+
+/** Writes a block of the older layout; see KOB_WRITE_MULTIENTITYRESULTC(). */
+KOB_API void KOB1_WRITE_MULTIENTITYRESULTC(const int64_t* group, const char* series, const char* etyp,
+                                           const int32_t* nent, const char* etypvar, const int32_t* ncoo,
+                                           const char* etypzone, const int32_t* zoneid, const char* etypframe,
+                                           const int32_t* fswitch, const int32_t* dmpswitch, const int32_t* nindex,
+                                           const int32_t* indexident, const void* indexval, const int32_t* entid,
+                                           const int32_t* fidglob, const int32_t* fid, const char* operator_,
+                                           const void* weight, const void* res, const int32_t* set,
+                                           const int32_t* state, const int32_t* filter_flags,
+                                           const int32_t* filter_params, const int32_t* value_size, const int32_t* mode,
+                                           const int64_t* count, const int64_t* start, int32_t* status);
+
+/** Reads a block of the older layout; see KOB_READ_MULTIENTITYRESULTC(). */
+KOB_API void KOB1_READ_MULTIENTITYRESULTC(const int64_t* block, const int32_t* pass, char* series, char* etyp,
+                                          int32_t* nent, char* etypvar, int32_t* ncoo, char* etypzone, int32_t* zoneid,
+                                          char* etypframe, int32_t* fswitch, int32_t* dmpswitch, int32_t* nindex,
+                                          int32_t* nstate, int32_t* indexident, void* indexval, int32_t* entid,
+                                          int32_t* fidglob, int32_t* fid, char* operator_, void* weight, void* res,
+                                          int32_t* filter_flags, int32_t* filter_params, const int32_t* mode,
+                                          const int64_t* count, const int64_t* start, int32_t* status);
+
+/** Writes a block of the older layout; see KOB_WRITE_MULTIELEMENTRESULTS(). */
+KOB_API void KOB1_WRITE_MULTIELEMENTRESULTS(const int64_t* group, const char* series, const char* etypelem,
+                                            const int32_t* nele, const char* etypvar, const int32_t* ncoo,
+                                            const int32_t* numl, const int32_t* ndim, const char* etypzone,
+                                            const int32_t* zoneid, const char* etypframe, const int32_t* fswitch,
+                                            const int32_t* dmpswitch, const int32_t* nindex, const int32_t* indexident,
+                                            const double* indexval, const int32_t* idele, const int32_t* fidglob,
+                                            const int32_t* fid, const double* eloc, const char* operator_,
+                                            const double* weight, const double* res, const int32_t* set,
+                                            const int32_t* n, const int32_t* filter_flags, const int32_t* filter_params,
+                                            const int32_t* value_size, int32_t* status);
+
+/** Reads a block of the older layout; see KOB_READ_MULTIELEMENTRESULTS(). */
+KOB_API void KOB1_READ_MULTIELEMENTRESULTS(const int64_t* block, const int32_t* pass, char* series, char* etypelem,
+                                           int32_t* nele, char* etypvar, int32_t* ncoo, int32_t* numl, int32_t* ndim,
+                                           char* etypzone, int32_t* zoneid, char* etypframe, int32_t* fswitch,
+                                           int32_t* dmpswitch, int32_t* nindex, int32_t* nstate, int32_t* indexident,
+                                           double* indexval, int32_t* idele, int32_t* fidglob, int32_t* fid,
+                                           double* eloc, char* operator_, double* weight, double* res,
+                                           int32_t* filter_flags, int32_t* filter_params, int32_t* status);
+
+/** Writes a block of the older layout; see KOB_WRITE_MULTIACTIVFLAGS(). */
+KOB_API void KOB1_WRITE_MULTIACTIVFLAGS(const int64_t* group, const char* series, const char* etyp, const int32_t* nent,
+                                        const int32_t* nindex, const int32_t* indexident, const double* indexval,
+                                        const int32_t* entid, const int32_t* flags, const int32_t* n,
+                                        const int32_t* filter_flags, const int32_t* filter_params,
+                                        const int32_t* float_size, int32_t* status);
+
+/** Reads a block of the older layout; see KOB_READ_MULTIACTIVFLAGS(). */
+KOB_API void KOB1_READ_MULTIACTIVFLAGS(const int64_t* block, const int32_t* pass, char* series, char* etyp,
+                                       int32_t* nent, int32_t* nindex, int32_t* nstate, int32_t* indexident,
+                                       double* indexval, int32_t* entid, int32_t* flags, int32_t* filter_flags,
+                                       int32_t* filter_params, int32_t* status);
+
+/** Writes a block of the older layout; see KOB_WRITE_DENSEMATRIX(). */
+KOB_API void KOB1_WRITE_DENSEMATRIX(const int64_t* group, const char* etyp, const int32_t* entid, const char* etypvar,
+                                    const int32_t* nrow, const int32_t* ncolumn, const int32_t* nindex,
+                                    const int32_t* indexident, const double* indexval, const double* val,
+                                    const int32_t* state, const int32_t* filter_flags, const int32_t* filter_params,
+                                    const int32_t* value_size, const int32_t* mode, const int64_t* count,
+                                    const int64_t* start, int32_t* status, int32_t unused1, int32_t unused2);
+
+/** Reads a block of the older layout; see KOB_READ_DENSEMATRIX(). */
+KOB_API void KOB1_READ_DENSEMATRIX(const int64_t* block, const int32_t* pass, char* etyp, int32_t* entid, char* etypvar,
+                                   int32_t* nrow, int32_t* ncolumn, int32_t* nindex, int32_t* indexident,
+                                   double* indexval, double* val, int32_t* filter_flags, int32_t* filter_params,
+                                   const int64_t* count, const int64_t* start, int32_t* status, int32_t unused1,
+                                   int32_t unused2);
+
+/** Writes a block of the older layout; see KOB_WRITE_TRIANGULARMATRIX(). */
+KOB_API void KOB1_WRITE_TRIANGULARMATRIX(const int64_t* group, const char* etyp, const int32_t* entid,
+                                         const char* etypvar, const int32_t* nsize, const int32_t* matrixtype,
+                                         const int32_t* nindex, const int32_t* indexident, const double* indexval,
+                                         const double* val, const int32_t* state, const int32_t* filter_flags,
+                                         const int32_t* filter_params, const int32_t* value_size, const int32_t* mode,
+                                         const int64_t* count, const int64_t* start, int32_t* status, int32_t unused1,
+                                         int32_t unused2);
+
+/** Reads a block of the older layout; see KOB_READ_TRIANGULARMATRIX(). */
+KOB_API void KOB1_READ_TRIANGULARMATRIX(const int64_t* block, const int32_t* pass, char* etyp, int32_t* entid,
+                                        char* etypvar, int32_t* nsize, int32_t* matrixtype, int32_t* nindex,
+                                        int32_t* indexident, double* indexval, double* val, int32_t* filter_flags,
+                                        int32_t* filter_params, const int64_t* count, const int64_t* start,
+                                        int32_t* status, int32_t unused1, int32_t unused2);
+
+/** Writes a block of the older layout; see KOB_WRITE_SPARSEMATRIX(). */
+KOB_API void KOB1_WRITE_SPARSEMATRIX(const int64_t* group, const char* etyp, const int32_t* entid, const char* etypvar,
+                                     const int32_t* nrow, const int64_t* nnz, const int32_t* nindex,
+                                     const int32_t* indexident, const double* indexval, const int32_t* colind,
+                                     const int64_t* rowptr, const double* val, const int32_t* state,
+                                     const int32_t* filter_flags, const int32_t* filter_params,
+                                     const int32_t* value_size, const int32_t* mode, const int64_t* count,
+                                     const int64_t* start, int32_t* status, int32_t unused1, int32_t unused2);
+
+/** Reads a block of the older layout; see KOB_READ_SPARSEMATRIX(). */
+KOB_API void KOB1_READ_SPARSEMATRIX(const int64_t* block, const int32_t* pass, char* etyp, int32_t* entid,
+                                    char* etypvar, int32_t* nrow, int64_t* nnz, int32_t* nindex, int32_t* indexident,
+                                    double* indexval, int32_t* colind, int64_t* rowptr, double* val,
+                                    int32_t* filter_flags, int32_t* filter_params, const int64_t* count,
+                                    const int64_t* start, int32_t* status, int32_t unused1, int32_t unused2);
+
+/** Cuts a file of the older layout back, as KOB_ERASE_STATES() does; the file's major version must be 1. */
+KOB_API void KOB1_ERASE_STATES(const int64_t* group, const int32_t* nindex, const int32_t* index,
+                               const int32_t* verbose, int32_t* status);
+
+/** Links the contents of several groups into one, as KOB_CREATE_EXTLINKS() does. */
+KOB_API void KOB1_CREATE_EXTLINKS(const int64_t* sources, const int64_t* target, const int32_t* n, const char* name,
+                                  const int32_t* options, const int32_t* verbose, int32_t* status);
+
+/** @} */
+
 #ifdef __cplusplus
 }
 #endif

@@ -96,7 +96,7 @@ Id create_block(hid_t parent, const std::string& path)
     return {block, H5Gclose};
 }
 
-bool BlockTable::list(hid_t group)
+bool BlockTable::list(hid_t group, const Family& family)
 {
     const int64_t handle = group;
     const int32_t store = 1;
@@ -108,8 +108,8 @@ bool BlockTable::list(hid_t group)
     int64_t* offsets = nullptr;
     char* paths = nullptr;
     int32_t status = 0;
-    kob_lookup(&handle, &store, &verbose, &capacity, &path_size, &found_, &path_length, &keys, &offsets, &paths,
-               &status);
+    family.lookup(&handle, &store, &verbose, &capacity, &path_size, &found_, &path_length, &keys, &offsets, &paths,
+                  &status);
     const Heap<int32_t> owned_keys{keys};
     const Heap<int64_t> owned_offsets{offsets};
     const Heap<char> owned_paths{paths};

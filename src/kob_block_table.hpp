@@ -2,6 +2,8 @@
 // The blocks of a file as the tools see them: listed, numbered, grouped by key.
 #pragma once
 
+#include "kob_family.hpp"
+
 #include <hdf5.h>
 
 #include <cstdint>
@@ -29,7 +31,7 @@ struct KeyGroup {
 class BlockTable {
 public:
     /// Lists the blocks. False when the listing failed or found none.
-    bool list(hid_t group);
+    bool list(hid_t group, const Family& family);
 
     /// Reads the set numbers, and on request the state numbers, out of the paths; warns of those it cannot read.
     void read_numbers(bool with_states);

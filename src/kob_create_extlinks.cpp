@@ -74,11 +74,11 @@ void link_contents(hid_t source, const LinkTarget& target, bool verbose)
     }
 }
 
-std::int32_t create_links(const std::int64_t* sources, hid_t target, std::int32_t count, const char* name,
-                          bool is_named, bool verbose)
+std::int32_t create_links(Generation generation, const std::int64_t* sources, hid_t target, std::int32_t count,
+                          const char* name, bool is_named, bool verbose)
 {
     say_banner("KOB Tools");
-    const Version version = version_of(Generation::current);
+    const Version version = version_of(generation);
     say(message::tool_short_version, version.major, version.minor, version.release);
     say("\n\n");
     LinkTarget links{target, is_named, {}};
@@ -103,12 +103,26 @@ std::int32_t create_links(const std::int64_t* sources, hid_t target, std::int32_
 } // namespace
 } // namespace kob
 
-extern "C" void KOB_CREATE_EXTLINKS(const int64_t* sources, const int64_t* target, const int32_t* n, const char* name,
-                                    const int32_t* options, const int32_t* verbose, int32_t* status)
+extern "C" {
+
+void KOB_CREATE_EXTLINKS(const int64_t* sources, const int64_t* target, const int32_t* n, const char* name,
+                         const int32_t* options, const int32_t* verbose, int32_t* status)
 {
     using namespace kob;
     tool_entry(status, "kob_create_extlinks", __LINE__, [&] {
-        return create_links(sources, value(target), value(n), name, (value(options) & in_named_group) != 0,
-                            value(verbose) > 0);
+        return create_links(Generation::current, sources, value(target), value(n), name,
+                            (value(options) & in_named_group) != 0, value(verbose) > 0);
     });
 }
+
+void KOB1_CREATE_EXTLINKS(const int64_t* sources, const int64_t* target, const int32_t* n, const char* name,
+                          const int32_t* options, const int32_t* verbose, int32_t* status)
+{
+    using namespace kob;
+    tool_entry(status, "kob_create_extlinks", __LINE__, [&] {
+        return create_links(Generation::older, sources, value(target), value(n), name,
+                            (value(options) & in_named_group) != 0, value(verbose) > 0);
+    });
+}
+
+} // extern "C"

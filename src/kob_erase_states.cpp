@@ -2,8 +2,10 @@
 // State eraser: cuts an open result file back to a given state.
 #include "kob_block_table.hpp"
 #include "kob_dp.h"
+#include "kob_family.hpp"
 #include "kob_kinds.hpp"
-#include "kob_module.hpp"
+#include "kob_location.hpp"
+#include "kob_sections.hpp"
 #include "kob_storage.hpp"
 #include "kob_text.hpp"
 #include "kob_tool.hpp"
@@ -84,6 +86,7 @@ std::int32_t remove_block(hid_t file, std::string path, bool verbose)
 
 /// A multi-state entity results block in memory.
 struct Series {
+    const Family& family;
     std::array<char, name_length> series{};
     std::array<char, name_length> etyp{};
     std::array<char, name_length> etypvar{};
@@ -107,34 +110,41 @@ struct Series {
     std::int32_t filter_flags = 0;
     std::array<std::int32_t, 2> filter_params{};
 
-    /// Reads one pass. The buffers must fit what is stored; the reader compares that with the counts.
+    explicit Series(const Family& calls) : family{calls} {}
+
+    /// Reads the sections of a pass. The buffers must fit what is stored; the reader compares that with the counts.
     std::int32_t read(hid_t block, std::int32_t pass)
     {
+        constexpr std::array<std::int32_t, 3> sections_of_pass{section::attributes | section::state_index,
+                                                               section::attributes, section::all};
         const std::int64_t handle = block;
+        const std::int32_t sections = sections_of_pass[static_cast<std::size_t>(pass)];
+        const std::int32_t memory_size = sizeof(double);
+        const std::int32_t whole = 0;
         std::int32_t status = 0;
-        KOB_READ_MULTIENTITYRESULTS(&handle, &pass, series.data(), etyp.data(), &nent, etypvar.data(), &ncoo,
-                                    etypzone.data(), &zoneid, etypframe.data(), &fswitch, &dmpswitch, &nindex, &nstate,
-                                    indexident.data(), indexval.data(), entid.data(), &fidglob, fid.data(),
-                                    operators.data(), weight.data(), res.data(), &filter_flags, filter_params.data(),
-                                    &status);
+        family.read_series(&handle, &sections, nullptr, series.data(), etyp.data(), &nent, etypvar.data(), &ncoo,
+                           etypzone.data(), &zoneid, etypframe.data(), &fswitch, &dmpswitch, &nindex, &nstate,
+                           indexident.data(), indexval.data(), entid.data(), &fidglob, fid.data(), operators.data(),
+                           weight.data(), res.data(), &memory_size, &filter_flags, filter_params.data(), &whole,
+                           nullptr, nullptr, &status);
         return status;
     }
 
     /// Makes room for the state index, as it is stored.
     void size_index(hid_t block)
     {
-        indexident.resize(stored(block, "indexident"));
-        indexval.resize(stored(block, "indexval"));
+        indexident.resize(stored(block, Where::index, "indexident"));
+        indexval.resize(stored(block, Where::index, "indexval"));
     }
 
     /// Makes room for everything else.
     void size_values(hid_t block)
     {
-        entid.resize(stored(block, "entid"));
-        fid.resize(stored(block, "fid"));
-        operators.resize(stored(block, "operator") * name_length);
-        weight.resize(stored(block, "weight"));
-        res.resize(stored(block, "res"));
+        entid.resize(stored(block, Where::data, "entid"));
+        fid.resize(stored(block, Where::data, "fid"));
+        operators.resize(stored(block, Where::data, "operator") * name_length);
+        weight.resize(stored(block, Where::data, "weight"));
+        res.resize(stored(block, Where::data, "res"));
     }
 
     std::int32_t write(hid_t block, std::int32_t states, std::int32_t value_size) const
@@ -144,33 +154,37 @@ struct Series {
         const std::int32_t whole = 0;
         std::int32_t held = 0;
         std::int32_t status = 0;
-        KOB_WRITE_MULTIENTITYRESULTS2(
-            groups.data(), nullptr, nullptr, series.data(), etyp.data(), &nent, etypvar.data(), &ncoo, etypzone.data(),
-            &zoneid, etypframe.data(), &fswitch, &dmpswitch, &nindex, indexident.data(), indexval.data(), entid.data(),
-            &fidglob, fid.data(), operators.data(), weight.data(), res.data(), &memory_size, &states, &filter_flags,
-            filter_params.data(), &value_size, &whole, nullptr, nullptr, &held, &status);
+        family.write_series(groups.data(), nullptr, nullptr, series.data(), etyp.data(), &nent, etypvar.data(), &ncoo,
+                            etypzone.data(), &zoneid, etypframe.data(), &fswitch, &dmpswitch, &nindex,
+                            indexident.data(), indexval.data(), entid.data(), &fidglob, fid.data(), operators.data(),
+                            weight.data(), res.data(), &memory_size, &states, &filter_flags, filter_params.data(),
+                            &value_size, &whole, nullptr, nullptr, &held, &status);
         return status;
     }
 
 private:
     // At least one element: an address is handed out even where nothing is stored.
-    static std::size_t stored(hid_t block, const char* name)
+    [[nodiscard]] std::size_t stored(hid_t block, Where where, const char* name) const
     {
-        return static_cast<std::size_t>(std::max<std::int64_t>(count_elements(block, name), 1));
+        Places places{{block, family.generation}};
+        return static_cast<std::size_t>(std::max<std::int64_t>(count_elements(places.open(where), name), 1));
     }
 };
 
 /// One run of the eraser.
 class Eraser {
 public:
-    Eraser(hid_t file, LastIndex last, std::int32_t verbose) : file_{file}, last_{last}, verbose_{verbose} {}
+    Eraser(Location file, LastIndex last, std::int32_t verbose)
+        : family_{family_of(file.generation)}, file_{file.group}, last_{last}, verbose_{verbose}
+    {
+    }
 
     std::int32_t run()
     {
         if (verbose_ >= 1) {
             say_start();
         }
-        if (!table_.list(file_)) {
+        if (!table_.list(file_, family_)) {
             report_error(message::erase_no_blocks, no_blocks);
             return no_blocks;
         }
@@ -212,7 +226,7 @@ public:
 private:
     void say_start() const
     {
-        const Version version = version_of(Generation::current);
+        const Version& version = family_.version;
         say_banner("KOB state eraser");
         say(message::tool_compiled, __DATE__, __TIME__);
         say(message::tool_version, version.major, version.minor, version.release);
@@ -246,12 +260,12 @@ private:
         std::int32_t filter_flags = 0;
         std::array<std::int32_t, 2> filter_params{};
         std::int32_t status = 0;
-        KOB_READ_FILEHEADER(&handle, text.data(), &filter_flags, filter_params.data(), &status);
+        family_.read_header(&handle, text.data(), &filter_flags, filter_params.data(), &status);
         if (status < 0) {
             report_error(message::tool_incompatible, status);
             return status;
         }
-        const Version wanted = version_of(Generation::current);
+        const Version& wanted = family_.version;
         Version found;
         if (!read_version(text.data(), found.major, found.minor, found.release) || found.major != wanted.major) {
             report_error(message::erase_wrong_version, found.major, found.minor, found.release);
@@ -285,11 +299,17 @@ private:
             return 0;
         }
         const std::int64_t handle = index.get();
-        const std::int32_t pass = 0;
+        std::int32_t pass = 0;
         std::int32_t nindex = 0;
         std::array<char, name_length> etypvar{};
         std::int32_t status = 0;
-        KOB_READ_INDEX(&handle, &pass, &nindex, etypvar.data(), nullptr, nullptr, &status);
+        if (family_.generation == Generation::current) {
+            KOB_READ_INDEX(&handle, &pass, &nindex, etypvar.data(), nullptr, nullptr, &status);
+        } else {
+            pass = 1; // the older reader has no pass 0
+            KOB1_READ_INDEX(&handle, &pass, &nindex, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                            nullptr, nullptr, &status);
+        }
         if (status < 0) {
             report_error(message::tool_reading, kind::index.name, pass, status);
         }
@@ -309,12 +329,14 @@ private:
         std::array<char, 16> time{};
         std::strftime(date.data(), date.size(), "%Y%m%d", &local);
         std::strftime(time.data(), time.size(), "%H%M%S  ", &local);
+        Places places{{system.get(), family_.generation}};
+        const hid_t header = places.open(Where::header);
         const hsize_t one = 1;
         const std::int32_t status =
-            KOB_H5Awrite("mdate", date.data(), type_code::text, stamp_length, stamp_length, &one, 0, system.get());
-        return status != 0 ? status
-                           : KOB_H5Awrite("mtime", time.data(), type_code::text, stamp_length, stamp_length, &one, 0,
-                                          system.get());
+            KOB_H5Awrite("mdate", date.data(), type_code::text, stamp_length, stamp_length, &one, 0, header);
+        return status != 0
+                   ? status
+                   : KOB_H5Awrite("mtime", time.data(), type_code::text, stamp_length, stamp_length, &one, 0, header);
     }
 
     void erase_single_states()
@@ -341,18 +363,24 @@ private:
             return false;
         }
         const Id block = open_block(file_, entry.path);
-        if (!block || !has_link(block.get(), "indexident") || has_attribute(block.get(), "nstate")) {
+        if (!block) {
             return false;
         }
-        const std::optional<std::int32_t> nindex = integer_of(block.get(), "nindex");
-        if (!nindex || *nindex <= 0 || count_elements(block.get(), "indexident") != *nindex) {
+        Places places{{block.get(), family_.generation}};
+        const hid_t header = places.open(Where::header);
+        const hid_t index = places.open(Where::index);
+        if (!has_link(index, "indexident") || has_attribute(header, "nstate")) {
+            return false;
+        }
+        const std::optional<std::int32_t> nindex = integer_of(header, "nindex");
+        if (!nindex || *nindex <= 0 || count_elements(index, "indexident") != *nindex) {
             return false;
         }
         tuple_.resize(static_cast<std::size_t>(*nindex));
         const auto extent = static_cast<hsize_t>(*nindex);
         const bool read =
             KOB_H5Dread("indexident", tuple_.data(), type_code::integer, sizeof(std::int32_t), &extent, 1, nullptr,
-                        nullptr, access_mode::whole, block.get(), nullptr, nullptr, nullptr, Report::silent) == 0;
+                        nullptr, access_mode::whole, index, nullptr, nullptr, nullptr, Report::silent) == 0;
         return read && last_.is_before(tuple_.data(), *nindex);
     }
 
@@ -394,7 +422,7 @@ private:
     std::int32_t cut_series(const TableEntry& entry)
     {
         Id block = open_block(file_, entry.path);
-        Series series;
+        Series series{family_};
         if (const std::int32_t status = series.read(block.get(), 1); status < 0) {
             return fail_reading(entry, 1, status);
         }
@@ -410,7 +438,7 @@ private:
             ++linked_kept_;
             return 0;
         }
-        const std::int64_t size = element_size(block.get(), "res");
+        const std::int64_t size = value_size(block.get());
         if (size < 0) {
             return fail_size(entry, unusable_values);
         }
@@ -428,6 +456,13 @@ private:
             return 0;
         }
         return rewrite(entry, series, keep, value_size_for(key, size));
+    }
+
+    /// Bytes of one stored value.
+    [[nodiscard]] std::int64_t value_size(hid_t block) const
+    {
+        Places places{{block, family_.generation}};
+        return element_size(places.open(Where::data), "res");
     }
 
     static std::int32_t value_size_for(std::int32_t key, std::int64_t stored_size)
@@ -452,6 +487,7 @@ private:
         return 0;
     }
 
+    const Family& family_;
     hid_t file_;
     LastIndex last_;
     std::int32_t verbose_;
@@ -464,8 +500,10 @@ private:
 } // namespace
 } // namespace kob
 
-extern "C" void KOB_ERASE_STATES(const int64_t* group, const int32_t* nindex, const int32_t* index,
-                                 const int32_t* verbose, int32_t* status)
+extern "C" {
+
+void KOB_ERASE_STATES(const int64_t* group, const int32_t* nindex, const int32_t* index, const int32_t* verbose,
+                      int32_t* status)
 {
     using namespace kob;
     tool_entry(status, "kob_erase_states", __LINE__, [&] {
@@ -475,3 +513,17 @@ extern "C" void KOB_ERASE_STATES(const int64_t* group, const int32_t* nindex, co
         return Eraser{value(group), LastIndex{index, value(nindex)}, value(verbose)}.run();
     });
 }
+
+void KOB1_ERASE_STATES(const int64_t* group, const int32_t* nindex, const int32_t* index, const int32_t* verbose,
+                       int32_t* status)
+{
+    using namespace kob;
+    tool_entry(status, "kob_erase_states", __LINE__, [&] {
+        if (value(nindex) > 0) {
+            value(index);
+        }
+        return Eraser{older(group), LastIndex{index, value(nindex)}, value(verbose)}.run();
+    });
+}
+
+} // extern "C"

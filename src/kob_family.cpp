@@ -5,16 +5,13 @@
 namespace kob {
 namespace {
 
-constexpr Family current{Generation::current,           version_of(Generation::current),  kob_lookup,
-                         KOB_READ_FILEHEADER,           KOB_WRITE_MULTIENTITYRESULTS2, KOB_READ_MULTIENTITYRESULTS2};
-constexpr Family older{Generation::older,             version_of(Generation::older),  kob1_lookup,
-                       KOB1_READ_FILEHEADER,          KOB1_WRITE_MULTIENTITYRESULTS2, KOB1_READ_MULTIENTITYRESULTS2};
+constexpr Family current{Generation::current, version_of(Generation::current), kob_lookup,
+                         KOB_READ_FILEHEADER, KOB_WRITE_MULTIENTITYRESULTS2,   KOB_READ_MULTIENTITYRESULTS2};
+constexpr Family older{Generation::older,    version_of(Generation::older),  kob1_lookup,
+                       KOB1_READ_FILEHEADER, KOB1_WRITE_MULTIENTITYRESULTS2, KOB1_READ_MULTIENTITYRESULTS2};
 
 } // namespace
 
-const Family& family_of(Generation generation)
-{
-    return generation == Generation::current ? current : older;
-}
+const Family& family_of(Generation generation) { return generation == Generation::current ? current : older; }
 
 } // namespace kob
