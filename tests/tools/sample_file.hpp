@@ -109,6 +109,7 @@ struct ResultBlock {
     Text256 etyp = "NODE";
     Text256 zone = "WING";
     std::int32_t zoneid = 3;
+    std::int32_t set = -1;
 };
 
 inline void write_results(KobFile& file, const ResultBlock& block)
@@ -116,12 +117,12 @@ inline void write_results(KobFile& file, const ResultBlock& block)
     Text256 frame = "GLOBAL";
     const auto nent = static_cast<std::int32_t>(block.entid.size());
     const auto nindex = static_cast<std::int32_t>(block.indexident.size());
-    const std::int32_t fswitch = 0, dmpswitch = 0, indexic = 0, fidglob = 9, no_set = -1, state = -1;
+    const std::int32_t fswitch = 0, dmpswitch = 0, indexic = 0, fidglob = 9, state = -1;
     std::int32_t status = 77;
     KOB_WRITE_ENTITYRESULTS(file.address(), block.etyp.data(), &nent, block.variable.data(), &block.ncoo,
                             block.zone.data(), &block.zoneid, frame.data(), &fswitch, &dmpswitch, &nindex, &indexic,
                             block.indexident.data(), block.indexval.data(), block.entid.data(), &fidglob, nullptr,
-                            nullptr, nullptr, block.res.data(), &no_set, &state, &block.flags, block.params.data(),
+                            nullptr, nullptr, block.res.data(), &block.set, &state, &block.flags, block.params.data(),
                             &block.value_size, &status);
     ASSERT_EQ(status, 0);
 }
