@@ -520,3 +520,14 @@ TEST(DenseMatrixLimits, AFilteredMatrixIsOneChunkAndAChunkHasLessThanFourGigabyt
         }
     }
 }
+
+TEST(DenseMatrix, APlaceThatCannotBeMadeIsReported)
+{
+    const Outcome refusal{-8, "KOB ERROR - kob_h5gopen - code -8, group singlestate\n"};
+    const DenseMatrix block;
+    const std::int64_t none = -1;
+    EXPECT_EQ(block.write(&none), refusal);
+    KobFile file;
+    file.reopen(read_only);
+    EXPECT_EQ(block.write(file), refusal);
+}

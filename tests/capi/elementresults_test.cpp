@@ -518,3 +518,14 @@ TEST(ElementResults, AMissingDatasetStopsTheRead)
     auto expected = expected_from(written, section::attributes | section::identifiers);
     EXPECT_EQ(listing(got), listing(expected));
 }
+
+TEST(ElementResults, APlaceThatCannotBeMadeIsReported)
+{
+    const Outcome refusal{-8, "KOB ERROR - kob_h5gopen - code -8, group singlestate\n"};
+    const ElementResults block;
+    const std::int64_t none = -1;
+    EXPECT_EQ(block.write(&none), refusal);
+    KobFile file;
+    file.reopen(read_only);
+    EXPECT_EQ(block.write(file), refusal);
+}

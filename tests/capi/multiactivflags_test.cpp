@@ -281,3 +281,14 @@ TEST(MultiActivFlags, OtherEntitiesThanTheBlockHoldsAreRefused)
     EXPECT_EQ(got.read(file.block(place), 2), fine);
     EXPECT_EQ(listing(got), listing(all_of(written)));
 }
+
+TEST(MultiActivFlags, APlaceThatCannotBeMadeIsReported)
+{
+    const Outcome refusal{-8, "KOB ERROR - kob_h5gopen - code -8, group multistate\n"};
+    const MultiActivFlags block;
+    const std::int64_t none = -1;
+    EXPECT_EQ(block.write(&none), refusal);
+    KobFile file;
+    file.reopen(read_only);
+    EXPECT_EQ(block.write(file), refusal);
+}

@@ -337,3 +337,14 @@ TEST(MultiElementResults, TextsOf256CharactersWithoutAnEnd)
     EXPECT_EQ(got.read(file.block(path), 2), (Outcome{read_real, ""}));
     EXPECT_EQ(listing(got), listing(all_of(written)));
 }
+
+TEST(MultiElementResults, APlaceThatCannotBeMadeIsReported)
+{
+    const Outcome refusal{-8, "KOB ERROR - kob_h5gopen - code -8, group multistate\n"};
+    const MultiElementResults block;
+    const std::int64_t none = -1;
+    EXPECT_EQ(block.write(&none), refusal);
+    KobFile file;
+    file.reopen(read_only);
+    EXPECT_EQ(block.write(file), refusal);
+}

@@ -1208,3 +1208,14 @@ TEST(MultiEntityResultsReaders, CountsThatTheFileDoesNotHoldAreRefused)
     set_int_attribute(block, "nstate", 5);
     EXPECT_EQ(got.read(block, 2), (Outcome{-6030, read_line(30, "indexident", 2, 4, 0, false)}));
 }
+
+TEST(MultiEntityResults, APlaceThatCannotBeMadeIsReported)
+{
+    const Outcome refusal{-8, "KOB ERROR - kob_h5gopen - code -8, group multistate\n"};
+    const MultiEntityResults block;
+    const std::int64_t none = -1;
+    EXPECT_EQ(block.write(&none), refusal);
+    KobFile file;
+    file.reopen(read_only);
+    EXPECT_EQ(block.write(file), refusal);
+}

@@ -408,3 +408,14 @@ TEST(SparseMatrixLimits, PiecesBehindTwoToThe31Values)
     EXPECT_EQ(got.read(group, 4), (Outcome{read_real, ""}));
     EXPECT_EQ(got.val, (std::vector<double>{4, 3, 0, 3}));
 }
+
+TEST(SparseMatrix, APlaceThatCannotBeMadeIsReported)
+{
+    const Outcome refusal{-8, "KOB ERROR - kob_h5gopen - code -8, group singlestate\n"};
+    const SparseMatrix block;
+    const std::int64_t none = -1;
+    EXPECT_EQ(block.write(&none), refusal);
+    KobFile file;
+    file.reopen(read_only);
+    EXPECT_EQ(block.write(file), refusal);
+}

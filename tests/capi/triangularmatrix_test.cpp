@@ -303,3 +303,14 @@ TEST(TriangularMatrix, AnOrderOfMinusOneHasNoValues)
     EXPECT_EQ(block.write(file), fine);
     EXPECT_FALSE(has_link(file.block(place), "val"));
 }
+
+TEST(TriangularMatrix, APlaceThatCannotBeMadeIsReported)
+{
+    const Outcome refusal{-8, "KOB ERROR - kob_h5gopen - code -8, group singlestate\n"};
+    const TriangularMatrix block;
+    const std::int64_t none = -1;
+    EXPECT_EQ(block.write(&none), refusal);
+    KobFile file;
+    file.reopen(read_only);
+    EXPECT_EQ(block.write(file), refusal);
+}
