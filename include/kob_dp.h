@@ -2433,6 +2433,56 @@ KOB_API void KOB_ERASE_STATES(const int64_t* group, const int32_t* nindex, const
 KOB_API void KOB_CREATE_EXTLINKS(const int64_t* sources, const int64_t* target, const int32_t* n, const char* name,
                                  const int32_t* options, const int32_t* verbose, int32_t* status);
 
+/** Merges the files of a distributed run, one for each domain, into one file.
+ *
+ *  Every path of the domain files is found again in the target, filled as its kind asks for:
+ *
+ *  | Kind of block                                         | In the target                                            |
+ *  |-------------------------------------------------------|----------------------------------------------------------|
+ *  | system                                                | copied from the first file that holds it                 |
+ *  | index, variable groups, variables, text               | each path copied from the first file that holds it       |
+ *  | connectivities, activation flags, parts, attributes, identifiers, entity results, multi-state entity results | one block for each path: the rows of all domains, by ascending identifier; of an entity that several domains hold, the first domain's row |
+ *  | collectors                                            | united by collector and member type, members ascending, each once |
+ *  | element results                                       | written block by block; where the place is taken, under the first free set number from 1 |
+ *  | dense and triangular matrices                         | the first domain's; an equal one is skipped, a different one left out with a warning |
+ *  | properties, multi-state element results, multi-state activation flags, sparse matrices | not merged; listed with a verbose level |
+ *
+ *  Blocks of one path that cannot be united (another number of components, real against complex) stop the merge; a
+ *  block without entities fits any other. A text or column that one domain lacks is blank or 0 in its rows. What rows do
+ *  not tell (names, frame identifier, operators) is the first domain's that has entities.
+ *
+ *  States of multi-state blocks are united by their index identifiers, in order of first appearance. Where an entity's
+ *  domain lacks a state the values are NaN, unless another domain holds them; a warning counts them, and the block is
+ *  not stored with scale-offset. At most 1 GiB of states is held in memory at a time; of all other kinds one merged
+ *  block.
+ *
+ *  Values keep their stored size (of different ones the larger) and their filters (the first domain's that has any,
+ *  else filter_flags). The exponent table sets scale-offset for the entity results of a variable, constant ones and
+ *  those of single states; series keep their filters. NODE/COORDINATE is stored with scale-offset only if the table
+ *  names it; shared nodes whose coordinates differ are counted in a warning.
+ *
+ *  With several domains the constant result DMPComputeDomainNumber tells for each element and node of the
+ *  connectivities the file, from 1, of the first domain that holds it. The target's file header is the caller's affair.
+ *  A domain file of another version or without a header prints a warning and is merged all the same. Running out of
+ *  memory ends the process with exit code 1.
+ *  @param[in]  domains        int64 [n], groups of the open domain files, in the order of the domains
+ *  @param[in]  target         int64 [1], group of the open target file
+ *  @param[in]  n              int32 [1], number of domain files
+ *  @param[in]  filter_flags   int32 [1], filters of blocks that have none in the domain files, see @ref filters
+ *  @param[in]  filter_params  int32 [2], their parameters
+ *  @param[in]  nexp           int32 [1], entries of the exponent table, see KOB_READ_PARAM()
+ *  @param[in]  exponent_names text256 [nexp], variable names, in any order; of equal names the first counts
+ *  @param[in]  exponents      int32 [nexp], decimal scale factors
+ *  @param[in]  options        int64 [1], sum of 1: verbose; 2: more verbose; 4: no domain numbers
+ *  @param[in]  float_size     int32 [1], stored size of doubles in model blocks, see @ref value_size
+ *  @param[out] status         int32 [1], 0 merged; 1 states with more than 5 index values; -1 blocks that cannot be
+ *                             united, or one that exists in the target; otherwise the status of the first reader,
+ *                             writer or listing that failed, and the target holds what was written until then */
+KOB_API void KOB_MERGE_DMP(const int64_t* domains, const int64_t* target, const int32_t* n, const int32_t* filter_flags,
+                           const int32_t* filter_params, const int32_t* nexp, const char* exponent_names,
+                           const int32_t* exponents, const int64_t* options, const int32_t* float_size,
+                           int32_t* status);
+
 /** Reads a parameter file: a variable name and its exponent for scale-offset compression on each line.
  *
  *  "$" and "#" begin a comment. A line that does not begin with a word and an integer is skipped. At most 299 characters

@@ -5,6 +5,7 @@
 #include "kob_dp.h"
 #include "kob_kinds.hpp"
 #include "kob_message.hpp"
+#include "kob_placement.hpp"
 #include "kob_tool.hpp"
 
 #include <algorithm>
@@ -85,16 +86,7 @@ Id open_block(hid_t parent, const std::string& path)
     return {block, H5Gclose};
 }
 
-Id create_block(hid_t parent, const std::string& path)
-{
-    const int64_t handle = parent;
-    const int32_t null_terminated = -1;
-    const int32_t create = 0;
-    int64_t block = -1;
-    int32_t status = 0;
-    KOB_H5GOPEN(&handle, path.c_str(), &null_terminated, &create, &block, &status);
-    return {block, H5Gclose};
-}
+Id create_block(hid_t parent, const std::string& path) { return open_block_group(parent, path, io_flag::create).group; }
 
 bool BlockTable::list(hid_t group, const Family& family)
 {
@@ -107,13 +99,12 @@ bool BlockTable::list(hid_t group, const Family& family)
     int32_t* keys = nullptr;
     int64_t* offsets = nullptr;
     char* paths = nullptr;
-    int32_t status = 0;
     family.lookup(&handle, &store, &verbose, &capacity, &path_size, &found_, &path_length, &keys, &offsets, &paths,
-                  &status);
+                  &status_);
     const Heap<int32_t> owned_keys{keys};
     const Heap<int64_t> owned_offsets{offsets};
     const Heap<char> owned_paths{paths};
-    if (status != 0 || found_ < 1) {
+    if (status_ != 0 || found_ < 1) {
         return false;
     }
     Identity home;

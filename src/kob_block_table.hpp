@@ -33,6 +33,9 @@ public:
     /// Lists the blocks. False when the listing failed or found none.
     bool list(hid_t group, const Family& family);
 
+    /// What the listing gave: 0, or why it failed.
+    [[nodiscard]] std::int32_t status() const { return status_; }
+
     /// Reads the set numbers, and on request the state numbers, out of the paths; warns of those it cannot read.
     void read_numbers(bool with_states);
 
@@ -54,6 +57,7 @@ private:
     std::vector<TableEntry> entries_;
     std::vector<KeyGroup> groups_;
     std::int32_t found_ = 0;
+    std::int32_t status_ = 0;
 };
 
 /// Three numbers of a version text; -1 for those that are not there. True when there are three.

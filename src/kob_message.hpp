@@ -122,6 +122,42 @@ constexpr char erase_rewritten[] = "\nKOB INFO - %d \"%s\" blocks rewritten\n";
 constexpr char erase_linked_kept[] = "KOB WARNING - kob_erase_states - %d blocks in linked files are kept\n";
 constexpr char erase_done[] = "\nKOB state eraser successfully passed.\n\n";
 
+// merger
+constexpr char merge_no_blocks[] = " WARNING file [%d]:  NO        KOB blocks found\n";
+constexpr char merge_blocks_found[] = " Info    : file  [%10d]: %10d KOB blocks found\n";
+constexpr char merge_no_header[] = "\nKOB WARNING file [%d]: \"%s\" not found\n";
+constexpr char merge_multiple_headers[] = "KOB WARNING file [%d] contains multiple \"%s\"s!\n";
+constexpr char merge_check_file[] = " KOB check file %8d / %d: ";
+constexpr char merge_version_not_ok[] = "NOT OK  - version file: %d.%d.%d - program: %d.%d.%d\n";
+constexpr char merge_version_ok[] = "OK      - version file: %d.%d.%d - program: %d.%d.%d\n";
+constexpr char merge_version_warning[] = "WARNING - version file: %d.%d.%d - program: %d.%d.%d\n";
+constexpr char merge_maybe_incompatible[] = "\nKOB WARNING - files maybe incompatible\n";
+constexpr char merge_start[] = "\n Start file merge\n\n";
+constexpr char merge_nindex[] = "\nKOB ERROR - nindex too large = %d. Increase MAXINDEX: %d\n";
+constexpr char merge_block_missing[] = "\nKOB WARNING file [%d]: \"%s\" block not found\n";
+constexpr char merge_multiple_blocks[] = "\nKOB WARNING file [%d]: multiple \"%s\" blocks\n";
+constexpr char merge_kind_missing[] = "\nKOB WARNING file [%d]: no \"%s\" blocks found\n";
+constexpr char merge_kind_found[] = "\n %d \"%s\" block(s) found\n";
+constexpr char merge_copy_block[] = " target file: copy \"%s\" block from file  [%d]\n";
+constexpr char merge_copy_blocks[] = " target file: copy \"%s\" blocks from file  [%d]\n";
+constexpr char merge_create_merged[] = " target file: create %d merged \"%s\" block(s)\n";
+constexpr char merge_create[] = " target file: create %d \"%s\" block(s)\n";
+constexpr char merge_scale_offset[] = " >-< float scaleoffset %-20s: flag exp aggr: %6d ";
+constexpr char merge_scale_offset_params[] = " %6d %6d: ";
+constexpr char merge_scale_offset_names[] = "\"%s\" \"%s\" \"%s\" \"%s\"\n";
+constexpr char merge_size_limit[] =
+    " KOB INFO - \"%s\" data size limit of %d Byte exceeded -> i/o + merge in blocks of "
+    "%d states - block: \"%s\"\n";
+constexpr char merge_differs[] =
+    "KOB ERROR - kob_merge_dmp - block \"%s\": %s differs: %d in file [%d], %d in file [%d]\n";
+constexpr char merge_left_out[] =
+    "KOB WARNING - kob_merge_dmp - block \"%s\" of file [%d] differs from the target's and is left out\n";
+constexpr char merge_coordinates[] = "KOB WARNING - kob_merge_dmp - %d shared nodes have different coordinates\n";
+constexpr char merge_missing_values[] =
+    "KOB WARNING - kob_merge_dmp - block \"%s\": %d values that no domain file holds are NaN\n";
+constexpr char merge_not_merged[] = "KOB INFO - kob_merge_dmp - %d \"%s\" block(s) of file [%d] are not merged\n";
+constexpr char merge_done[] = "\n KOB DMP domain file merge successfully completed.\n\n";
+
 // external links
 constexpr char link_in_group[] = "create link \"%s/%s\" --> file/group:  \"%s%s\"\n";
 constexpr char link_made[] = "create link \"%s\" --> file/group:  \"%s\"\"%s\"\n";

@@ -93,7 +93,12 @@ std::string BlockPath::text() const
 
 OpenedGroup open_block_group(hid_t parent, const BlockPath& path, std::int32_t ioflag)
 {
-    return open_group(parent, path.text(), ioflag, level_properties);
+    return open_block_group(parent, path.text(), ioflag);
+}
+
+OpenedGroup open_block_group(hid_t parent, const std::string& path, std::int32_t ioflag)
+{
+    return open_group(parent, path, ioflag, level_properties);
 }
 
 } // namespace kob

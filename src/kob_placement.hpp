@@ -43,4 +43,7 @@ struct BlockPath {
 /// Opens the block's group below `parent`, creating it with ioflag 0.
 OpenedGroup open_block_group(hid_t parent, const BlockPath& path, std::int32_t ioflag);
 
+/// The same for a path that another file holds.
+OpenedGroup open_block_group(hid_t parent, const std::string& path, std::int32_t ioflag);
+
 } // namespace kob

@@ -62,6 +62,7 @@ public:
 
     char* data() { return texts_.empty() ? nullptr : texts_.front().data(); }
     std::size_t size() const { return texts_.size(); }
+    void set(std::size_t i, std::string_view text) { texts_.at(i) = text; }
     std::string operator[](std::size_t i) const { return texts_.at(i).text(); }
     /// The trimmed texts, for a comparison with a list.
     std::vector<std::string> texts() const

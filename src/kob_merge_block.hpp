@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// What the blocks that the merger holds in memory have in common.
+#pragma once
+
+#include "kob_kinds.hpp"
+#include "kob_placement.hpp"
+#include "kob_storage.hpp"
+#include "kob_text.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kob::merge {
+
+/// A fixed field of 256 characters.
+class Name {
+public:
+    Name(std::string_view text = "") { fill_field(field_.data(), field_.size(), text); } // NOLINT: reads like a text
+
+    [[nodiscard]] char* data() { return field_.data(); }
+    [[nodiscard]] const char* data() const { return field_.data(); }
+    [[nodiscard]] std::string_view text() const { return trimmed(field_.data(), name_length); }
+
+private:
+    std::array<char, name_length> field_{};
+};
+
+/// Filter flags and their parameters.
+struct Compression {
+    std::int32_t flags = 0;
+    std::array<std::int32_t, 2> params{}; ///< decimal scale factor, deflate level
+
+    [[nodiscard]] bool is_any() const { return flags != 0; }
+};
+
+/// Where a writer puts a block, and how it stores it.
+struct Destination {
+    std::int64_t group = -1; ///< result-set group, or the block's own group where the writer takes that
+    std::int32_t state = -1; ///< state number of the path; negative: taken from the index identifiers
+    std::int32_t set = no_suffix;
+    Compression compression;
+    std::int32_t float_size = 8;
+};
+
+/// Elements of a stored dataset, none where it is missing. What a buffer must hold is asked of the file, not of the
+/// attributes that a file claims.
+inline std::size_t stored(hid_t block, const char* name)
+{
+    return static_cast<std::size_t>(std::max<std::int64_t>(count_elements(block, name), 0));
+}
+
+/// Bytes of a stored element, 0 where there is none.
+inline std::int32_t stored_width(hid_t block, const char* name)
+{
+    return static_cast<std::int32_t>(std::clamp<std::int64_t>(element_size(block, name), 0, INT32_MAX));
+}
+
+/// Sizes a buffer. Not even an empty one is null: a reader that finds nothing stored shall say so, not blame its caller.
+template <class T> void fit(std::vector<T>& buffer, std::size_t size)
+{
+    buffer.reserve(1);
+    buffer.resize(size);
+}
+
+/// Bytes of a stored array of texts.
+inline std::size_t text_bytes(hid_t block, const char* name)
+{
+    return stored(block, name) * static_cast<std::size_t>(stored_width(block, name));
+}
+
+/// A block whose counts contradict its contents in a way that no reader notices.
+constexpr std::int32_t inconsistent_block = -1;
+
+/// Array of names, as its reader left it: end to end at the stored width. Makes it one of 256-character fields.
+inline void widen_names(hid_t block, const char* dataset, std::vector<char>& names)
+{
+    const auto width = static_cast<std::size_t>(stored_width(block, dataset));
+    if (width == 0 || width >= static_cast<std::size_t>(name_length)) {
+        return;
+    }
+    const std::size_t count = names.size() / width;
+    std::vector<char> fields(count * name_length, ' ');
+    for (std::size_t i = 0; i < count; ++i) {
+        std::copy_n(names.data() + i * width, width, fields.data() + i * name_length);
+    }
+    names.swap(fields);
+}
+
+/// The state that a block belongs to.
+struct StateIndex {
+    std::int32_t nindex = 0;
+    std::int32_t indexic = 0;
+    std::vector<std::int32_t> indexident;
+    std::vector<double> indexval;
+
+    void make_room(hid_t block)
+    {
+        fit(indexident, stored(block, "indexident"));
+        fit(indexval, stored(block, "indexval"));
+    }
+    /// The validity of the block's path. The identifiers must be known.
+    [[nodiscard]] Validity validity(std::int32_t state) const
+    {
+        const bool has_identifiers = nindex <= 0 || indexident.size() >= static_cast<std::size_t>(nindex);
+        return {has_identifiers ? nindex : constant, indexident.data(), state};
+    }
+};
+
+/// Passes, or section bits, of a reader: for the sizes and names, for the state index, for the rows.
+struct Passes {
+    std::int32_t attributes;
+    std::int32_t index;
+    std::int32_t values;
+};
+
+/// One dataset of a block with a row for each entity.
+template <class T> struct Column {
+    const char* name;
+    std::vector<T>& values;
+    std::int64_t width;            ///< values of a row in memory; 0 where the block lacks the dataset
+    std::int64_t elements = width; ///< elements of a row in the file
+    T missing = T{};               ///< what rows hold whose domain lacks the dataset
+};
+
+inline Column<char> text_column(const char* name, std::vector<char>& texts, std::int32_t length)
+{
+    const std::int32_t width = std::max(length, 0);
+    return {name, texts, width, width > 0 ? 1 : 0, ' '};
+}
+
+/// A quantity that all blocks of one path must have in common.
+struct Trait {
+    const char* name;
+    std::int32_t value;
+};
+
+} // namespace kob::merge
