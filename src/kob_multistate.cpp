@@ -216,7 +216,9 @@ std::int32_t write_series(Location block, const MultiEntityResults<Writer>& b, c
             identifiers(io, b.table);
         }
         io.forget_extent();
-    } else if (has_attribute(io.place(Where::header), "nstate")) { // a first write that failed left none
+    }
+    // A first write that failed left no "nstate"; a series of no entities has one, though it looks new at every call.
+    if (place != Place::fresh && has_attribute(io.place(Where::header), "nstate")) {
         io.fail(read_nstate(io, nstate));
     }
     if (io.ok() && !Part{request.mode}.is_known()) {
