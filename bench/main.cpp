@@ -57,23 +57,23 @@ Result measure_row(const Row& row, int count, const Scratch& scratch)
     Result result{row, {}, {}};
     const std::string input = scratch.file("input.kob");
     if (row.kind != Row::Kind::write) {
-        run_apart(raw.write(row.set, input, nullptr));
+        run_apart(row.raw.write(input, nullptr));
     }
-    const auto run_once = [&](const Program& program, Runs& runs, const char* output) {
+    const auto run_once = [&](const Side& side, Runs& runs, const char* output) {
         const std::string file = row.kind == Row::Kind::write ? scratch.file(output) : input;
         if (row.kind == Row::Kind::write) {
             std::filesystem::remove(file);
         }
-        runs.samples.push_back(measure([&] { return row.task_of(program)(row.set, file, nullptr); }));
+        runs.samples.push_back(measure([&] { return side.task(file, nullptr); }));
         runs.file_bytes = std::filesystem::file_size(file);
     };
     for (int i = 0; i < count; ++i) {
         if (i % 2 == 0) {
-            run_once(raw, result.raw, "raw.kob");
-            run_once(ours, result.ours, "ours.kob");
+            run_once(row.raw, result.raw, "raw.kob");
+            run_once(row.ours, result.ours, "ours.kob");
         } else {
-            run_once(ours, result.ours, "ours.kob");
-            run_once(raw, result.raw, "raw.kob");
+            run_once(row.ours, result.ours, "ours.kob");
+            run_once(row.raw, result.raw, "raw.kob");
         }
     }
     for (const char* name : {"input.kob", "raw.kob", "ours.kob"}) {
@@ -116,8 +116,8 @@ int verify_all(const std::vector<Row>& chosen, const Scratch& scratch)
     for (const Row& row : chosen) {
         const std::string of_ours = scratch.file("ours.kob");
         const std::string of_raw = scratch.file("raw.kob");
-        ours.write(row.set, of_ours, nullptr)();
-        raw.write(row.set, of_raw, nullptr)();
+        row.ours.write(of_ours, nullptr)();
+        row.raw.write(of_raw, nullptr)();
         if (row.kind == Row::Kind::write) {
             report(row.name, differences(of_ours, of_raw));
             continue;
@@ -126,8 +126,8 @@ int verify_all(const std::vector<Row>& chosen, const Scratch& scratch)
         Digest by_ours;
         Digest by_raw;
         // Crosswise: each reads what the other wrote.
-        row.task_of(ours)(row.set, of_raw, &by_ours)();
-        row.task_of(raw)(row.set, of_ours, &by_raw)();
+        row.ours.task(of_raw, &by_ours)();
+        row.raw.task(of_ours, &by_raw)();
         std::vector<std::string> lines;
         if (by_ours.value() == nothing.value()) {
             lines.emplace_back("nothing was found");

@@ -2,20 +2,11 @@
 // What both programs write and read.
 #include "results.hpp"
 
-#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <numeric>
 
 namespace bench {
-
-Text256 text256(std::string_view text)
-{
-    Text256 result{};
-    result.fill(' ');
-    std::copy_n(text.data(), std::min(text.size(), result.size()), result.begin());
-    return result;
-}
 
 Block::Block(const ResultSet& set) : nent{set.nent}, ncoo{set.ncoo}, entid(static_cast<std::size_t>(set.nent))
 {
@@ -48,26 +39,18 @@ std::string path_of(const ResultSet& set, std::int32_t state, std::size_t variab
     return state_path(state) + "/entityresults/NODE/" + set.variables[variable] + "/kobblock";
 }
 
-void Digest::add(const void* data, std::size_t bytes)
-{
-    const auto* next = static_cast<const unsigned char*>(data);
-    for (std::size_t i = 0; i < bytes; ++i) {
-        value_ = (value_ ^ next[i]) * 1099511628211U;
-    }
-}
-
-void Digest::add(const Block& block)
+void add(Digest& digest, const Block& block)
 {
     for (const Text256* text : {&block.etyp, &block.etypvar, &block.etypzone, &block.etypframe}) {
-        add(text->data(), text->size());
+        digest.add(*text);
     }
     for (const std::int32_t number : {block.nent, block.ncoo, block.zoneid, block.fswitch, block.dmpswitch,
                                       block.nindex, block.indexic, block.indexident, block.fidglob}) {
-        add(&number, sizeof number);
+        digest.add(number);
     }
-    add(&block.indexval, sizeof block.indexval);
-    add(block.entid.data(), block.entid.size() * sizeof block.entid[0]);
-    add(block.res.data(), block.res.size() * sizeof block.res[0]);
+    digest.add(block.indexval);
+    digest.add(block.entid);
+    digest.add(block.res);
 }
 
 } // namespace bench

@@ -2,19 +2,13 @@
 // Entity results of many states: one description, and the two programs that write, read and list them.
 #pragma once
 
-#include "measure.hpp"
+#include "program.hpp"
 
-#include <array>
 #include <cstdint>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace bench {
-
-/// A name as blocks hold it: 256 characters, blank padded.
-using Text256 = std::array<char, 256>;
-Text256 text256(std::string_view text);
 
 /// A file of entity results: every variable in every state, all of one size.
 struct ResultSet {
@@ -52,27 +46,9 @@ struct Block {
 std::string state_path(std::int32_t state);
 std::string path_of(const ResultSet& set, std::int32_t state, std::size_t variable);
 
-/// The numbers and texts that a reader found, in order: two readers of one file must have found the same.
-class Digest {
-public:
-    void add(const void* data, std::size_t bytes);
-    void add(const Block& block);
-    [[nodiscard]] std::uint64_t value() const { return value_; }
+void add(Digest& digest, const Block& block);
 
-private:
-    std::uint64_t value_ = 14695981039346656037U;
-};
-
-/// A way to do the work: with our calls, or by hand. A digest is filled if there is one; nobody is timed then.
-struct Program {
-    using Task = Work (*)(const ResultSet& set, const std::string& file, Digest* digest);
-
-    Task write;
-    Task read;
-    Task list;
-};
-
-extern const Program ours; ///< kob_dp.h
-extern const Program raw;  ///< plain HDF5, as little of it as makes the same file
+template <> const Program<ResultSet> Programs<ResultSet>::ours;
+template <> const Program<ResultSet> Programs<ResultSet>::raw;
 
 } // namespace bench

@@ -1,53 +1,13 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Entity results through the library.
+#include "ours.hpp"
 #include "results.hpp"
-
-#include <kob_dp.h>
 
 #include <cstdlib>
 #include <memory>
-#include <stdexcept>
 
 namespace bench {
 namespace {
-
-void check(std::int32_t status, const char* call)
-{
-    if (status < 0) {
-        throw std::runtime_error{std::string{call} + ": status " + std::to_string(status)};
-    }
-}
-
-class File {
-public:
-    File(const std::string& name, std::int32_t option)
-    {
-        const auto length = static_cast<std::int32_t>(name.size());
-        const std::int32_t group_length = 3;
-        const std::int32_t none = 0;
-        std::int32_t status = 0;
-        KOB_OPEN(name.c_str(), &length, "run", &group_length, "", &none, &group_, &none, &option, &status);
-        check(status, "KOB_OPEN");
-    }
-    ~File()
-    {
-        std::int32_t status = 0;
-        KOB_CLOSE(&group_, &status);
-        if (status != 0) {
-            std::abort();
-        }
-    }
-    File(const File&) = delete;
-    File& operator=(const File&) = delete;
-
-    [[nodiscard]] const std::int64_t* group() const { return &group_; }
-
-private:
-    std::int64_t group_ = 0;
-};
-
-constexpr std::int32_t create = 0;
-constexpr std::int32_t read_only = 2;
 
 Work write(const ResultSet& set, const std::string& file, Digest*)
 {
@@ -55,8 +15,6 @@ Work write(const ResultSet& set, const std::string& file, Digest*)
         Block& b = *block;
         const File results{file, create};
         const std::int32_t no_set = -1;
-        const std::int32_t no_filters = 0;
-        const std::array<std::int32_t, 2> no_params{};
         for (std::int32_t state = 0; state < set.states; ++state) {
             for (std::size_t variable = 0; variable < set.variables.size(); ++variable) {
                 b.select(set, state, variable);
@@ -78,27 +36,20 @@ Work read(const ResultSet& set, const std::string& file, Digest* digest)
     return [set, file, digest, block = std::make_shared<Block>(set)] {
         Block& b = *block;
         const File results{file, read_only};
-        const std::int32_t nul_terminated = -1;
-        const std::int32_t open_only = 1;
         const std::int32_t everything = 2;
         std::int32_t filters = 0;
         std::array<std::int32_t, 2> params{};
         for (std::int32_t state = 0; state < set.states; ++state) {
             for (std::size_t variable = 0; variable < set.variables.size(); ++variable) {
-                const std::string path = path_of(set, state, variable);
-                std::int64_t group = 0;
+                const OpenBlock opened{results, path_of(set, state, variable)};
                 std::int32_t status = 0;
-                KOB_H5GOPEN(results.group(), path.c_str(), &nul_terminated, &open_only, &group, &status);
-                check(status, "KOB_H5GOPEN");
-                KOB_READ_ENTITYRESULTS(&group, &everything, b.etyp.data(), &b.nent, b.etypvar.data(), &b.ncoo,
+                KOB_READ_ENTITYRESULTS(opened.group(), &everything, b.etyp.data(), &b.nent, b.etypvar.data(), &b.ncoo,
                                        b.etypzone.data(), &b.zoneid, b.etypframe.data(), &b.fswitch, &b.dmpswitch,
                                        &b.nindex, &b.indexic, &b.indexident, &b.indexval, b.entid.data(), &b.fidglob,
                                        nullptr, nullptr, nullptr, b.res.data(), &filters, params.data(), &status);
                 check(status, "KOB_READ_ENTITYRESULTS");
-                KOB_H5GCLOSE(&group, &status);
-                check(status, "KOB_H5GCLOSE");
                 if (digest != nullptr) {
-                    digest->add(b);
+                    add(*digest, b);
                 }
             }
         }
@@ -158,6 +109,6 @@ Work list(const ResultSet& set, const std::string& file, Digest* digest)
 
 } // namespace
 
-const Program ours{write, read, list};
+template <> const Program<ResultSet> Programs<ResultSet>::ours{write, read, list};
 
 } // namespace bench

@@ -3,10 +3,8 @@
 //
 // Parent groups stay open while their blocks are written, types, dataspaces and property lists are made once, nothing
 // is asked before it is done, and a reader trusts the file. Access properties are HDF5's defaults.
-#include "must.hpp"
+#include "raw.hpp"
 #include "results.hpp"
-
-#include <hdf5.h>
 
 #include <cstring>
 #include <memory>
@@ -14,37 +12,26 @@
 namespace bench {
 namespace {
 
-hid_t text_type()
-{
-    const hid_t type = must(H5Tcopy(H5T_C_S1));
-    must(H5Tset_size(type, sizeof(Text256)));
-    must(H5Tset_strpad(type, H5T_STR_SPACEPAD));
-    return type;
-}
-
 /// What all blocks of a file share while it is written.
 class Writer {
 public:
     explicit Writer(const ResultSet& set)
-        : text_{text_type()}, scalar_{must(H5Screate(H5S_SCALAR))},
-          real_{set.value_size == 4 ? H5T_NATIVE_FLOAT : H5T_NATIVE_DOUBLE}, small_{layout(H5D_COMPACT)}
+        : real_{set.value_size == 4 ? H5T_NATIVE_FLOAT : H5T_NATIVE_DOUBLE}, index_layout_{layout_for(8)}
     {
         const hsize_t one = 1;
         const std::array<hsize_t, 2> table{static_cast<hsize_t>(set.nent), static_cast<hsize_t>(set.ncoo)};
         index_ = must(H5Screate_simple(1, &one, nullptr));
         rows_ = must(H5Screate_simple(1, table.data(), nullptr));
         table_ = must(H5Screate_simple(2, table.data(), nullptr));
-        row_layout_ = layout_of(4 * table[0]);
-        table_layout_ = layout_of(table[0] * table[1] * static_cast<hsize_t>(set.value_size));
-        std::strncpy(block_type_.data(), "entityresults", block_type_.size());
+        row_layout_ = layout_for(4 * table[0]);
+        table_layout_ = layout_for(table[0] * table[1] * static_cast<hsize_t>(set.value_size));
     }
     ~Writer()
     {
-        H5Tclose(text_);
-        for (const hid_t space : {scalar_, index_, rows_, table_}) {
+        for (const hid_t space : {index_, rows_, table_}) {
             H5Sclose(space);
         }
-        for (const hid_t properties : {small_, row_layout_, table_layout_}) {
+        for (const hid_t properties : {index_layout_, row_layout_, table_layout_}) {
             H5Pclose(properties);
         }
     }
@@ -53,79 +40,42 @@ public:
 
     void write(hid_t group, const Block& b) const
     {
-        const std::int32_t key = 1000;
-        integer(group, "block", key);
-        attribute(group, "blocktype", text_, block_type_.data());
-        attribute(group, "etyp", text_, b.etyp.data());
-        integer(group, "nent", b.nent);
-        attribute(group, "etypvar", text_, b.etypvar.data());
-        integer(group, "ncoo", b.ncoo);
-        attribute(group, "etypzone", text_, b.etypzone.data());
-        integer(group, "zoneid", b.zoneid);
-        attribute(group, "etypframe", text_, b.etypframe.data());
-        integer(group, "fswitch", b.fswitch);
-        integer(group, "dmpswitch", b.dmpswitch);
-        integer(group, "nindex", b.nindex);
-        integer(group, "indexic", b.indexic);
-        dataset(group, "indexident", H5T_NATIVE_INT, index_, small_, H5T_NATIVE_INT, &b.indexident);
-        dataset(group, "indexval", real_, index_, small_, H5T_NATIVE_DOUBLE, &b.indexval);
-        dataset(group, "entid", H5T_NATIVE_INT, rows_, row_layout_, H5T_NATIVE_INT, b.entid.data());
-        dataset(group, "fidglob", H5T_NATIVE_INT, scalar_, small_, H5T_NATIVE_INT, &b.fidglob);
-        dataset(group, "res", real_, table_, table_layout_, H5T_NATIVE_DOUBLE, b.res.data());
+        to_.frame(group, 1000);
+        to_.text(group, "etyp", b.etyp);
+        to_.integer(group, "nent", b.nent);
+        to_.text(group, "etypvar", b.etypvar);
+        to_.integer(group, "ncoo", b.ncoo);
+        to_.text(group, "etypzone", b.etypzone);
+        to_.integer(group, "zoneid", b.zoneid);
+        to_.text(group, "etypframe", b.etypframe);
+        to_.integer(group, "fswitch", b.fswitch);
+        to_.integer(group, "dmpswitch", b.dmpswitch);
+        to_.integer(group, "nindex", b.nindex);
+        to_.integer(group, "indexic", b.indexic);
+        to_.dataset(group, "indexident", H5T_NATIVE_INT, index_, index_layout_, H5T_NATIVE_INT, &b.indexident);
+        to_.dataset(group, "indexval", real_, index_, index_layout_, H5T_NATIVE_DOUBLE, &b.indexval);
+        to_.dataset(group, "entid", H5T_NATIVE_INT, rows_, row_layout_, H5T_NATIVE_INT, b.entid.data());
+        to_.single(group, "fidglob", b.fidglob);
+        to_.dataset(group, "res", real_, table_, table_layout_, H5T_NATIVE_DOUBLE, b.res.data());
     }
 
 private:
-    static hid_t layout(H5D_layout_t kind)
-    {
-        const hid_t properties = must(H5Pcreate(H5P_DATASET_CREATE));
-        must(H5Pset_layout(properties, kind));
-        return properties;
-    }
-    static hid_t layout_of(hsize_t bytes) { return layout(bytes <= 24000 ? H5D_COMPACT : H5D_CONTIGUOUS); }
-
-    void attribute(hid_t group, const char* name, hid_t type, const void* value) const
-    {
-        const hid_t attribute = must(H5Acreate2(group, name, type, scalar_, H5P_DEFAULT, H5P_DEFAULT));
-        must(H5Awrite(attribute, type, value));
-        must(H5Aclose(attribute));
-    }
-    void integer(hid_t group, const char* name, const std::int32_t& value) const
-    {
-        attribute(group, name, H5T_NATIVE_INT, &value);
-    }
-    static void dataset(hid_t group, const char* name, hid_t stored, hid_t space, hid_t layout, hid_t memory,
-                        const void* values)
-    {
-        const hid_t dataset = must(H5Dcreate2(group, name, stored, space, H5P_DEFAULT, layout, H5P_DEFAULT));
-        must(H5Dwrite(dataset, memory, H5S_ALL, H5S_ALL, H5P_DEFAULT, values));
-        must(H5Dclose(dataset));
-    }
-
-    hid_t text_;
-    hid_t scalar_;
+    BlockWriter to_{"entityresults"};
     hid_t index_ = H5I_INVALID_HID;
     hid_t rows_ = H5I_INVALID_HID;
     hid_t table_ = H5I_INVALID_HID;
     hid_t real_;
-    hid_t small_;
+    hid_t index_layout_;
     hid_t row_layout_ = H5I_INVALID_HID;
     hid_t table_layout_ = H5I_INVALID_HID;
-    Text256 block_type_{};
 };
-
-hid_t create_group(hid_t parent, const char* name, hid_t properties = H5P_DEFAULT)
-{
-    return must(H5Gcreate2(parent, name, H5P_DEFAULT, properties, H5P_DEFAULT));
-}
 
 void write_file(const ResultSet& set, const std::string& file_name, Block& block)
 {
-    const hid_t file = must(H5Fcreate(file_name.c_str(), H5F_ACC_TRUNC, H5P_DEFAULT, H5P_DEFAULT));
-    const hid_t run = create_group(file, "run");
-    must(H5Lcreate_hard(run, ".", file, "post", H5P_DEFAULT, H5P_DEFAULT));
+    const NewFile file{file_name};
     const hid_t many_names = must(H5Pcreate(H5P_GROUP_CREATE));
     must(H5Pset_local_heap_size_hint(many_names, 16384));
-    const hid_t single_state = create_group(run, "singlestate", many_names);
+    const hid_t single_state = create_group(file.run(), "singlestate", many_names);
     {
         const Writer writer{set};
         for (std::int32_t number = 0; number < set.states; ++number) {
@@ -148,27 +98,11 @@ void write_file(const ResultSet& set, const std::string& file_name, Block& block
     }
     must(H5Gclose(single_state));
     must(H5Pclose(many_names));
-    must(H5Gclose(run));
-    must(H5Fclose(file));
 }
 
 Work write(const ResultSet& set, const std::string& file, Digest*)
 {
     return [set, file, block = std::make_shared<Block>(set)] { write_file(set, file, *block); };
-}
-
-void read_attribute(hid_t group, const char* name, hid_t type, void* value)
-{
-    const hid_t attribute = must(H5Aopen(group, name, H5P_DEFAULT));
-    must(H5Aread(attribute, type, value));
-    must(H5Aclose(attribute));
-}
-
-void read_dataset(hid_t group, const char* name, hid_t memory, void* values)
-{
-    const hid_t dataset = must(H5Dopen2(group, name, H5P_DEFAULT));
-    must(H5Dread(dataset, memory, H5S_ALL, H5S_ALL, H5P_DEFAULT, values));
-    must(H5Dclose(dataset));
 }
 
 void read_block(hid_t group, hid_t text, Block& b)
@@ -195,25 +129,22 @@ void read_block(hid_t group, hid_t text, Block& b)
 
 void read_file(const ResultSet& set, const std::string& file_name, Digest* digest, Block& block)
 {
-    const hid_t file = must(H5Fopen(file_name.c_str(), H5F_ACC_RDONLY, H5P_DEFAULT));
-    const hid_t post = must(H5Gopen2(file, "post", H5P_DEFAULT));
+    const OldFile file{file_name};
     const hid_t text = text_type();
     for (std::int32_t number = 0; number < set.states; ++number) {
         const std::string path = state_path(number) + "/entityresults/NODE";
-        const hid_t node = must(H5Gopen2(post, path.c_str(), H5P_DEFAULT));
+        const hid_t node = must(H5Gopen2(file.post(), path.c_str(), H5P_DEFAULT));
         for (const std::string& variable : set.variables) {
             const hid_t group = must(H5Gopen2(node, (variable + "/kobblock").c_str(), H5P_DEFAULT));
             read_block(group, text, block);
             must(H5Gclose(group));
             if (digest != nullptr) {
-                digest->add(block);
+                add(*digest, block);
             }
         }
         must(H5Gclose(node));
     }
     must(H5Tclose(text));
-    must(H5Gclose(post));
-    must(H5Fclose(file));
 }
 
 Work read(const ResultSet& set, const std::string& file, Digest* digest)
@@ -264,13 +195,12 @@ herr_t list_link(hid_t parent, const char* name, const H5L_info2_t*, void* data)
 Work list(const ResultSet& set, const std::string& file_name, Digest* digest)
 {
     return [file_name, digest, directory = std::make_shared<Directory>(set)] {
-        const hid_t file = must(H5Fopen(file_name.c_str(), H5F_ACC_RDONLY, H5P_DEFAULT));
-        const hid_t post = must(H5Gopen2(file, "post", H5P_DEFAULT));
-        must(H5Literate2(post, H5_INDEX_NAME, H5_ITER_INC, nullptr, list_link, directory.get()));
-        must(H5Gclose(post));
-        must(H5Fclose(file));
+        {
+            const OldFile file{file_name};
+            must(H5Literate2(file.post(), H5_INDEX_NAME, H5_ITER_INC, nullptr, list_link, directory.get()));
+        }
         if (digest != nullptr) {
-            digest->add(directory->keys.data(), directory->keys.size() * sizeof directory->keys[0]);
+            digest->add(directory->keys);
             digest->add(directory->paths.data(), directory->paths.size());
         }
     };
@@ -278,6 +208,6 @@ Work list(const ResultSet& set, const std::string& file_name, Digest* digest)
 
 } // namespace
 
-const Program raw{write, read, list};
+template <> const Program<ResultSet> Programs<ResultSet>::raw{write, read, list};
 
 } // namespace bench

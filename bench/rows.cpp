@@ -2,6 +2,10 @@
 // The table of work.
 #include "rows.hpp"
 
+#include "large_blocks.hpp"
+#include "results.hpp"
+#include "series.hpp"
+
 namespace bench {
 namespace {
 
@@ -10,46 +14,68 @@ const std::vector<std::string> five_variables{"DISPLACEMENT", "STRESS", "STRAIN"
 constexpr double usual_hold = 1.10;
 constexpr double noise_bytes = 1 << 20; // what the heap and HDF5's free lists leave unexplained
 
-ResultSet small_blocks(Size size)
+// The tiny ones are too large to be stored in the object header, where the real ones are.
+
+ResultSet small_results(Size size)
 {
     return size == Size::real ? ResultSet{2000, five_variables, 200, 3, 8} : ResultSet{3, five_variables, 9, 3, 8};
 }
 
-// Tiny, but too large to be stored in the object header, as the real ones are.
-ResultSet large_blocks(Size size, std::int32_t value_size)
+ResultSet large_results(Size size, std::int32_t value_size)
 {
     return size == Size::real ? ResultSet{10, {"DISPLACEMENT"}, 1'000'000, 3, value_size}
                               : ResultSet{2, {"DISPLACEMENT"}, 7000, 3, value_size};
 }
 
-} // namespace
+SeriesSet series(Size size) { return size == Size::real ? SeriesSet{200, 20'000, 3} : SeriesSet{4, 2000, 3}; }
 
-Program::Task Row::task_of(const Program& program) const
+ElementSet elements(Size size) { return size == Size::real ? ElementSet{5, 100'000, 8, 6} : ElementSet{2, 7000, 8, 6}; }
+
+SparseSet sparse(Size size) { return size == Size::real ? SparseSet{1'000'000, 10} : SparseSet{4000, 10}; }
+
+HexahedraSet hexahedra(Size size) { return {size == Size::real ? 1'000'000 : 7000}; }
+
+template <class Set> Side side(const Program<Set>& program, Row::Kind kind, const Set& set)
 {
+    const auto bind = [&set](typename Program<Set>::Task task) -> Side::Task {
+        return [set, task](const std::string& file, Digest* digest) { return task(set, file, digest); };
+    };
     switch (kind) {
-    case Kind::write:
-        return program.write;
-    case Kind::read:
-        return program.read;
+    case Row::Kind::write:
+        return {bind(program.write), bind(program.write)};
+    case Row::Kind::read:
+        return {bind(program.write), bind(program.read)};
     default:
-        return program.list;
+        return {bind(program.write), bind(program.list)};
     }
 }
+
+template <class Set> Row row(std::string name, Row::Kind kind, const Set& set)
+{
+    return {std::move(name), kind,       side(Programs<Set>::ours, kind, set), side(Programs<Set>::raw, kind, set),
+            usual_hold,      noise_bytes};
+}
+
+} // namespace
 
 std::vector<Row> rows(Size size)
 {
     using enum Row::Kind;
-    const ResultSet small = small_blocks(size);
-    const ResultSet large8 = large_blocks(size, 8);
-    const ResultSet large4 = large_blocks(size, 4);
     return {
-        {"write 10,000 blocks of 200 x 3", write, small, usual_hold, noise_bytes},
-        {"read 10,000 blocks of 200 x 3", read, small, usual_hold, noise_bytes},
-        {"list 10,000 blocks", list, small, usual_hold, noise_bytes},
-        {"write 10 x 1,000,000 x 3, 8 bytes", write, large8, usual_hold, noise_bytes},
-        {"read 10 x 1,000,000 x 3, 8 bytes", read, large8, usual_hold, noise_bytes},
-        {"write 10 x 1,000,000 x 3, 4 bytes", write, large4, usual_hold, noise_bytes},
-        {"read 10 x 1,000,000 x 3, 4 bytes", read, large4, usual_hold, noise_bytes},
+        row("write 10,000 blocks of 200 x 3", write, small_results(size)),
+        row("read 10,000 blocks of 200 x 3", read, small_results(size)),
+        row("list 10,000 blocks", list, small_results(size)),
+        row("write 10 x 1,000,000 x 3, 8 bytes", write, large_results(size, 8)),
+        row("read 10 x 1,000,000 x 3, 8 bytes", read, large_results(size, 8)),
+        row("write 10 x 1,000,000 x 3, 4 bytes", write, large_results(size, 4)),
+        row("read 10 x 1,000,000 x 3, 4 bytes", read, large_results(size, 4)),
+        row("append 200 states of 20,000 x 3", write, series(size)),
+        row("write 5 x 100,000 elements x 8 x 6", write, elements(size)),
+        row("read 5 x 100,000 elements x 8 x 6", read, elements(size)),
+        row("write a sparse matrix of 10^7", write, sparse(size)),
+        row("read a sparse matrix of 10^7", read, sparse(size)),
+        row("write 10^6 hexahedra", write, hexahedra(size)),
+        row("read 10^6 hexahedra", read, hexahedra(size)),
     };
 }
 

@@ -2,13 +2,21 @@
 // The lines of the table: what is measured, and the figures to hold.
 #pragma once
 
-#include "results.hpp"
+#include "program.hpp"
 
-#include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
 
 namespace bench {
+
+/// One program's work on the files of a line.
+struct Side {
+    using Task = std::function<Work(const std::string& file, Digest* digest)>;
+
+    Task write; ///< makes the file
+    Task task;  ///< what the line is about: that, or reading or listing the file
+};
 
 /// One line: the same work done by both programs on files of one kind.
 struct Row {
@@ -16,11 +24,10 @@ struct Row {
 
     std::string name;
     Kind kind;
-    ResultSet set;
+    Side ours;
+    Side raw;
     double hold;        ///< largest ratio of our processor time to that of plain HDF5
     double extra_bytes; ///< most memory that we may take beyond what plain HDF5 takes
-
-    [[nodiscard]] Program::Task task_of(const Program& program) const;
 };
 
 /// Real sizes, or tiny ones of the same kinds, to see whether both programs still do the same.

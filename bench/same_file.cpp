@@ -3,7 +3,7 @@
 #include "same_file.hpp"
 
 #include "must.hpp"
-#include "results.hpp"
+#include "program.hpp"
 
 #include <hdf5.h>
 

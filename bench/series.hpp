@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// A series of entity results that grows state by state.
+#pragma once
+
+#include "results.hpp"
+
+namespace bench {
+
+struct SeriesSet {
+    std::int32_t states = 0;
+    std::int32_t nent = 0; ///< a multiple of the 1,000 rows that a chunk then has
+    std::int32_t ncoo = 0;
+};
+
+/// What a caller holds of the series: the state at hand, as of entity results of one state.
+struct State : Block {
+    explicit State(const SeriesSet& set);
+    void select(std::int32_t state);
+
+    Text256 series = text256("RUN");
+};
+
+template <> const Program<SeriesSet> Programs<SeriesSet>::ours;
+template <> const Program<SeriesSet> Programs<SeriesSet>::raw;
+
+} // namespace bench
