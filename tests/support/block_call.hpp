@@ -118,6 +118,8 @@ inline void make_untouched(std::int32_t& value) { value = -77; }
 inline void make_untouched(std::int64_t& value) { value = -77; }
 inline void make_untouched(double& value) { value = -7.5; }
 inline void make_untouched(Text256& value) { value = untouched(); }
+inline void make_untouched(Text8& value) { value = "########"; }
+inline void make_untouched(std::string& value) { value.assign(value.size(), '#'); }
 inline void make_untouched(Texts256& value) { value = Texts256(value.size()); }
 template <class T> void make_untouched(std::vector<T>& values)
 {
