@@ -56,7 +56,9 @@ template <class Block>
 Hid expect_places(const KobFile& file, Block block, const std::string& path, const std::string& header_table,
                   std::initializer_list<std::string> data_table, const std::string& index_table)
 {
-    EXPECT_EQ(left_open_by([&] { EXPECT_EQ(block.write(file.handle()), (Outcome{0, ""})); }),
+    EXPECT_EQ(left_open_by([&] {
+                  EXPECT_EQ(block.write(file.handle()), (Outcome{0, ""}));
+              }),
               Block::is_record || Block::key == 1100 || Block::key == 1150 || Block::key == 2150 ? "group: 1" : "");
     auto group = open_group(file.handle(), path);
     EXPECT_EQ(layout_of(group),
@@ -84,25 +86,25 @@ void expect_integers(hid_t block, std::initializer_list<std::pair<const char*, s
 TEST(OlderLayout, System)
 {
     const KobFile file;
-    const auto block = expect_places(
-        file, older::System{}, "constant/system/kobblock",
-        header({"title", "sys", "solver_name", "solver_vers"}, {"nbunit", "ndunit"}) +
-            table({"attribute cdate text 8 space scalar", "attribute ctime text 8 space scalar",
-                   "attribute mdate text 8 space scalar", "attribute mtime text 8 space scalar"}),
-        {
-            "dataset ubid integer 4 little [3] max [3] compact",
-            "dataset ubtyp text 256 space [3] max [3] compact",
-            "dataset ubnam text 256 space [3] max [3] compact",
-            "dataset ubshift float 8 little [3] max [3] compact",
-            "dataset ubcon float 8 little [3] max [3] compact",
-            "dataset udid integer 4 little [2] max [2] compact",
-            "dataset udnam text 256 space [2] max [2] compact",
-            "dataset udscal float 8 little [2] max [2] compact",
-            "dataset ndbunit integer 4 little [2] max [2] compact",
-            "dataset udbid integer 4 little [5] max [5] compact",
-            "dataset udbexp float 8 little [5] max [5] compact",
-        },
-        "");
+    const auto block =
+        expect_places(file, older::System{}, "constant/system/kobblock",
+                      header({"title", "sys", "solver_name", "solver_vers"}, {"nbunit", "ndunit"}) +
+                          table({"attribute cdate text 8 space scalar", "attribute ctime text 8 space scalar",
+                                 "attribute mdate text 8 space scalar", "attribute mtime text 8 space scalar"}),
+                      {
+                          "dataset ubid integer 4 little [3] max [3] compact",
+                          "dataset ubtyp text 256 space [3] max [3] compact",
+                          "dataset ubnam text 256 space [3] max [3] compact",
+                          "dataset ubshift float 8 little [3] max [3] compact",
+                          "dataset ubcon float 8 little [3] max [3] compact",
+                          "dataset udid integer 4 little [2] max [2] compact",
+                          "dataset udnam text 256 space [2] max [2] compact",
+                          "dataset udscal float 8 little [2] max [2] compact",
+                          "dataset ndbunit integer 4 little [2] max [2] compact",
+                          "dataset udbid integer 4 little [5] max [5] compact",
+                          "dataset udbexp float 8 little [5] max [5] compact",
+                      },
+                      "");
     EXPECT_EQ(stored_text(open_group(block, "header"), "title"), Text256{"Cantilever"}.field());
     EXPECT_EQ(stored_ints(open_group(block, "data"), "udbid"), (Values{11, 12, 13, 11, 13}));
 }
@@ -217,9 +219,9 @@ TEST(OlderLayout, The_components_of_a_scalar_are_one_number)
 TEST(OlderLayout, Text)
 {
     const KobFile file;
-    const auto block = expect_places(file, older::Text{}, "constant/text/log/kobblock",
-                                     header({"etyptext"}, {"nlines", "length"}),
-                                     {"dataset line text 5 space [2] max [2] compact"}, "");
+    const auto block =
+        expect_places(file, older::Text{}, "constant/text/log/kobblock", header({"etyptext"}, {"nlines", "length"}),
+                      {"dataset line text 5 space [2] max [2] compact"}, "");
     expect_integers(block, {{"nlines", 2}, {"length", 5}});
     EXPECT_EQ(stored_text(open_group(block, "data"), "line"), "one  two  ");
 }
@@ -262,14 +264,15 @@ TEST(OlderLayout, Parts_without_the_columns_of_the_mask)
 TEST(OlderLayout, Attributes)
 {
     const KobFile file;
-    const auto block = expect_places(file, older::Attributes{}, "singlestate/state000000000012/attributes/NODE/kobblock",
-                                     header({"etyp"}, {"nent", "nuid", "nindex"}),
-                                     {
-                                         "dataset entid integer 4 little [3] max [3] compact",
-                                         "dataset title text 256 space [3] max [3] compact",
-                                         "dataset uid integer 4 little [3, 2] max [3, 2] compact",
-                                     },
-                                     one_state);
+    const auto block =
+        expect_places(file, older::Attributes{}, "singlestate/state000000000012/attributes/NODE/kobblock",
+                      header({"etyp"}, {"nent", "nuid", "nindex"}),
+                      {
+                          "dataset entid integer 4 little [3] max [3] compact",
+                          "dataset title text 256 space [3] max [3] compact",
+                          "dataset uid integer 4 little [3, 2] max [3, 2] compact",
+                      },
+                      one_state);
     expect_integers(block, {{"nent", 3}, {"nuid", 2}, {"nindex", 1}});
     EXPECT_EQ(stored_ints(open_group(block, "data"), "uid"), (Values{51, 52, 61, 62, 91, 92}));
 }
@@ -308,8 +311,7 @@ TEST(OlderLayout, Connectivities)
             "dataset udexp float 8 little [1] max [1] compact",
         },
         one_state);
-    expect_integers(block,
-                    {{"nele", 2}, {"npele", 3}, {"ndim", 1}, {"nbint", 1}, {"nbfloat", 2}, {"nindex", 1}});
+    expect_integers(block, {{"nele", 2}, {"npele", 3}, {"ndim", 1}, {"nbint", 1}, {"nbfloat", 2}, {"nindex", 1}});
     const auto data = open_group(block, "data");
     EXPECT_EQ(stored_ints(data, "mbunit"), (Values{2, 1}));
     EXPECT_EQ(stored_ints(data, "mdunit"), (Values{0, 1}));
@@ -324,15 +326,14 @@ TEST(OlderLayout, Connectivities_without_parameters_have_no_units)
     const KobFile file;
     older::Connectivities b;
     b.nindex = b.nbint = b.nbfloat = 0;
-    expect_places(
-        file, b, "constant/connectivities/BEAM2/kobblock",
-        header({"etypelem", "etyppart", "etypnode"}, {"nele", "npele", "ndim", "nbint", "nbfloat", "nindex"}),
-        {
-            "dataset idele integer 4 little [2] max [2] compact",
-            "dataset pid integer 4 little [2] max [2] compact",
-            "dataset ic integer 4 little [2, 3] max [2, 3] compact",
-        },
-        constant);
+    expect_places(file, b, "constant/connectivities/BEAM2/kobblock",
+                  header({"etypelem", "etyppart", "etypnode"}, {"nele", "npele", "ndim", "nbint", "nbfloat", "nindex"}),
+                  {
+                      "dataset idele integer 4 little [2] max [2] compact",
+                      "dataset pid integer 4 little [2] max [2] compact",
+                      "dataset ic integer 4 little [2, 3] max [2, 3] compact",
+                  },
+                  constant);
 }
 
 TEST(OlderLayout, Collector)
@@ -390,23 +391,23 @@ TEST(OlderLayout, ActivFlags_with_every_filter_and_a_long_index)
                   }));
 }
 
-const std::string entity_header = header(
-    {"etyp", "etypvar", "etypzone", "etypframe"}, {"nent", "ncoo", "zoneid", "fswitch", "dmpswitch", "nindex"});
+const std::string entity_header =
+    header({"etyp", "etypvar", "etypzone", "etypframe"}, {"nent", "ncoo", "zoneid", "fswitch", "dmpswitch", "nindex"});
 
 TEST(OlderLayout, EntityResults)
 {
     const KobFile file;
-    const auto block = expect_places(
-        file, older::EntityResults{}, "singlestate/state000000000012/entityresults/NODE/DISPLACEMENT/ZONE7/kobblock",
-        entity_header,
-        {
-            "dataset entid integer 4 little [4] max [4] compact",
-            "dataset fid integer 4 little [4] max [4] compact",
-            "dataset operator text 256 space [3] max [3] compact",
-            "dataset weight float 8 little [4] max [4] compact",
-            "dataset res float 8 little [4, 3] max [4, 3] compact",
-        },
-        one_state);
+    const auto block =
+        expect_places(file, older::EntityResults{},
+                      "singlestate/state000000000012/entityresults/NODE/DISPLACEMENT/ZONE7/kobblock", entity_header,
+                      {
+                          "dataset entid integer 4 little [4] max [4] compact",
+                          "dataset fid integer 4 little [4] max [4] compact",
+                          "dataset operator text 256 space [3] max [3] compact",
+                          "dataset weight float 8 little [4] max [4] compact",
+                          "dataset res float 8 little [4, 3] max [4, 3] compact",
+                      },
+                      one_state);
     expect_integers(block, {{"nent", 4}, {"ncoo", 3}, {"zoneid", 7}, {"fswitch", 1}, {"dmpswitch", 1}, {"nindex", 1}});
 }
 
@@ -418,14 +419,13 @@ TEST(OlderLayout, EntityResults_of_all_states_in_one_frame)
     b.fswitch = b.dmpswitch = 0;
     b.fidglob = 55;
     b.value_size = 4;
-    const auto block =
-        expect_places(file, b, "constant/entityresults/NODE/DISPLACEMENT/ZONE7/kobblock", entity_header,
-                      {
-                          "dataset entid integer 4 little [4] max [4] compact",
-                          "dataset fidglob integer 4 little scalar compact",
-                          "dataset res float 4 little [4, 3] max [4, 3] compact",
-                      },
-                      constant);
+    const auto block = expect_places(file, b, "constant/entityresults/NODE/DISPLACEMENT/ZONE7/kobblock", entity_header,
+                                     {
+                                         "dataset entid integer 4 little [4] max [4] compact",
+                                         "dataset fidglob integer 4 little scalar compact",
+                                         "dataset res float 4 little [4, 3] max [4, 3] compact",
+                                     },
+                                     constant);
     EXPECT_EQ(stored_ints(open_group(block, "data"), "fidglob"), (Values{55}));
 }
 
@@ -448,16 +448,16 @@ TEST(OlderLayout, ElementResults)
 TEST(OlderLayout, MultiEntityResults)
 {
     const KobFile file;
-    const auto block = expect_places(
-        file, older::MultiEntityResults{}, "multistate/TIME/multientityresults/NODE/DISPLACEMENT/ZONE5/kobblock",
-        header({"series", "etyp", "etypvar", "etypzone", "etypframe"},
-               {"nent", "ncoo", "zoneid", "fswitch", "dmpswitch", "nindex", "nstate"}),
-        {
-            "dataset entid integer 4 little [3] max [3] compact",
-            "dataset fidglob integer 4 little scalar compact",
-            "dataset res float 8 little [2, 3, 2] max [unlimited, 3, 2] chunked [1, 3, 2]",
-        },
-        two_states);
+    const auto block = expect_places(file, older::MultiEntityResults{},
+                                     "multistate/TIME/multientityresults/NODE/DISPLACEMENT/ZONE5/kobblock",
+                                     header({"series", "etyp", "etypvar", "etypzone", "etypframe"},
+                                            {"nent", "ncoo", "zoneid", "fswitch", "dmpswitch", "nindex", "nstate"}),
+                                     {
+                                         "dataset entid integer 4 little [3] max [3] compact",
+                                         "dataset fidglob integer 4 little scalar compact",
+                                         "dataset res float 8 little [2, 3, 2] max [unlimited, 3, 2] chunked [1, 3, 2]",
+                                     },
+                                     two_states);
     expect_integers(block, {{"nstate", 2}, {"nindex", 1}});
     EXPECT_EQ(stored_ints(open_group(block, "index"), "indexident"), (Values{10, 20}));
 }
@@ -482,14 +482,13 @@ TEST(OlderLayout, MultiElementResults)
 TEST(OlderLayout, MultiActivFlags)
 {
     const KobFile file;
-    const auto block =
-        expect_places(file, older::MultiActivFlags{}, "multistate/TIME/multiactivflags/CONTACT/kobblock",
-                      header({"series", "etyp"}, {"nent", "nindex", "nstate"}),
-                      {
-                          "dataset entid integer 4 little [3] max [3] compact",
-                          "dataset status integer 4 little [2, 3] max [unlimited, 3] chunked [1, 3]",
-                      },
-                      two_states);
+    const auto block = expect_places(file, older::MultiActivFlags{}, "multistate/TIME/multiactivflags/CONTACT/kobblock",
+                                     header({"series", "etyp"}, {"nent", "nindex", "nstate"}),
+                                     {
+                                         "dataset entid integer 4 little [3] max [3] compact",
+                                         "dataset status integer 4 little [2, 3] max [unlimited, 3] chunked [1, 3]",
+                                     },
+                                     two_states);
     expect_integers(block, {{"nstate", 2}});
 }
 

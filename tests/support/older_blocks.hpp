@@ -120,8 +120,8 @@ inline auto fields_of(const System* /*unused*/)
                         Field{"mtime", a, &B::mtime}, Field{"nbunit", a, &B::nbunit}, Field{"ndunit", a, &B::ndunit},
                         Field{"ubid", v, &B::ubid}, Field{"ubtyp", v, &B::ubtyp}, Field{"ubnam", v, &B::ubnam},
                         Field{"ubshift", v, &B::ubshift}, Field{"ubcon", v, &B::ubcon}, Field{"udid", v, &B::udid},
-                        Field{"udnam", v, &B::udnam}, Field{"udscal", v, &B::udscal},
-                        Field{"ndbunit", v, &B::ndbunit}, Field{"udbid", v, &B::udbid}, Field{"udbexp", v, &B::udbexp}),
+                        Field{"udnam", v, &B::udnam}, Field{"udscal", v, &B::udscal}, Field{"ndbunit", v, &B::ndbunit},
+                        Field{"udbid", v, &B::udbid}, Field{"udbexp", v, &B::udbexp}),
         filters_of<B>());
 }
 
@@ -163,9 +163,8 @@ struct Index : UnitItems, Call {
     Outcome write_current(std::int64_t group)
     {
         Text256 etypvar = "TIME";
-        return outcome_of([&](std::int32_t* status) {
-            KOB_WRITE_INDEX(&group, &nindex, etypvar.data(), nullptr, nullptr, status);
-        });
+        return outcome_of(
+            [&](std::int32_t* status) { KOB_WRITE_INDEX(&group, &nindex, etypvar.data(), nullptr, nullptr, status); });
     }
 };
 
@@ -231,8 +230,9 @@ inline auto fields_of(const Variables* /*unused*/)
     using B = Variables;
     return std::tuple_cat(
         std::make_tuple(Field{"etypvar", section::attributes, &B::etypvar},
-                        Field{"idtrans", section::attributes, &B::idtrans}, Field{"rank", section::attributes, &B::rank},
-                        Field{"ndim", section::attributes, &B::ndim}, Field{"ncoo", section::attributes, &B::ncoo}),
+                        Field{"idtrans", section::attributes, &B::idtrans},
+                        Field{"rank", section::attributes, &B::rank}, Field{"ndim", section::attributes, &B::ndim},
+                        Field{"ncoo", section::attributes, &B::ncoo}),
         unit_fields<B>(),
         std::make_tuple(Field{"cname", section::values, &B::cname}, Field{"cid", section::values, &B::cid},
                         Field{"comp", section::values, &B::comp}),
@@ -288,11 +288,11 @@ struct Text : Call {
 inline auto fields_of(const Text* /*unused*/)
 {
     using B = Text;
-    return std::tuple_cat(
-        std::make_tuple(Field{"etyptext", section::attributes, &B::etyptext},
-                        Field{"nlines", section::attributes, &B::nlines},
-                        Field{"length", section::attributes, &B::length}, Field{"line", section::values, &B::line}),
-        filters_of<B>());
+    return std::tuple_cat(std::make_tuple(Field{"etyptext", section::attributes, &B::etyptext},
+                                          Field{"nlines", section::attributes, &B::nlines},
+                                          Field{"length", section::attributes, &B::length},
+                                          Field{"line", section::values, &B::line}),
+                          filters_of<B>());
 }
 
 // ---- mesh; all of state 12
@@ -427,14 +427,13 @@ struct Attributes : StateCall {
 inline auto fields_of(const Attributes* /*unused*/)
 {
     using B = Attributes;
-    return std::tuple_cat(std::make_tuple(Field{"etyp", section::attributes, &B::etyp},
-                                          Field{"nent", section::attributes, &B::nent},
-                                          Field{"nuid", section::attributes, &B::nuid}),
-                          index_fields<B>(),
-                          std::make_tuple(Field{"entid", section::identifiers, &B::entid},
-                                          Field{"title", section::values, &B::title},
-                                          Field{"uid", section::values, &B::uid}),
-                          filters_of<B>());
+    return std::tuple_cat(
+        std::make_tuple(Field{"etyp", section::attributes, &B::etyp}, Field{"nent", section::attributes, &B::nent},
+                        Field{"nuid", section::attributes, &B::nuid}),
+        index_fields<B>(),
+        std::make_tuple(Field{"entid", section::identifiers, &B::entid}, Field{"title", section::values, &B::title},
+                        Field{"uid", section::values, &B::uid}),
+        filters_of<B>());
 }
 
 struct Connectivities : StateCall, UnitItems {
@@ -572,14 +571,13 @@ inline auto fields_of(const Collector* /*unused*/)
 {
     using B = Collector;
     constexpr int a = section::attributes;
-    return std::tuple_cat(std::make_tuple(Field{"nenttot", a, &B::nenttot}, Field{"etypcoll", a, &B::etypcoll},
-                                          Field{"ncoll", a, &B::ncoll}, Field{"ntyp", a, &B::ntyp}),
-                          index_fields<B>(),
-                          std::make_tuple(Field{"idcoll", section::identifiers, &B::idcoll},
-                                          Field{"etyp", section::values, &B::etyp},
-                                          Field{"nent", section::values, &B::nent},
-                                          Field{"entid", section::values, &B::entid}),
-                          filters_of<B>());
+    return std::tuple_cat(
+        std::make_tuple(Field{"nenttot", a, &B::nenttot}, Field{"etypcoll", a, &B::etypcoll},
+                        Field{"ncoll", a, &B::ncoll}, Field{"ntyp", a, &B::ntyp}),
+        index_fields<B>(),
+        std::make_tuple(Field{"idcoll", section::identifiers, &B::idcoll}, Field{"etyp", section::values, &B::etyp},
+                        Field{"nent", section::values, &B::nent}, Field{"entid", section::values, &B::entid}),
+        filters_of<B>());
 }
 
 // ---- results
@@ -683,12 +681,11 @@ struct EntityResults : kob_test::EntityResults {
         const std::array<std::int64_t, 2> groups{block, shared};
         const bool small = memory_size == 4;
         return outcome_of([&](std::int32_t* status) {
-            KOB1_WRITE_ENTITYRESULTS2(groups.data(), &sections, nullptr, etyp.data(), &nent, etypvar.data(), &ncoo,
-                                      etypzone.data(), &zoneid, etypframe.data(), &fswitch, &dmpswitch, &nindex,
-                                      indexident.data(), indexval.data(), entid.data(), &fidglob, fid.data(),
-                                      operators.data(), weight.data(), Reals{res, small}, &memory_size, &filter_flags,
-                                      filter_params.data(), &value_size, &piece.mode, piece.count.data(),
-                                      piece.start.data(), status);
+            KOB1_WRITE_ENTITYRESULTS2(
+                groups.data(), &sections, nullptr, etyp.data(), &nent, etypvar.data(), &ncoo, etypzone.data(), &zoneid,
+                etypframe.data(), &fswitch, &dmpswitch, &nindex, indexident.data(), indexval.data(), entid.data(),
+                &fidglob, fid.data(), operators.data(), weight.data(), Reals{res, small}, &memory_size, &filter_flags,
+                filter_params.data(), &value_size, &piece.mode, piece.count.data(), piece.start.data(), status);
         });
     }
     Outcome read2(std::int64_t block, std::int32_t sections)
@@ -847,11 +844,11 @@ struct MultiEntityResults : kob_test::MultiEntityResults {
     Outcome write(std::int64_t group)
     {
         return outcome_of([&](std::int32_t* status) {
-            KOB1_WRITE_MULTIENTITYRESULTS(
-                &group, series.data(), etyp.data(), &nent, etypvar.data(), &ncoo, etypzone.data(), &zoneid,
-                etypframe.data(), &fswitch, &dmpswitch, &nindex, indexident.data(), Reals{indexval, floats()},
-                entid.data(), &fidglob, fid.data(), operators.data(), Reals{weight, floats()}, Reals{res, floats()},
-                &set, &s, &filter_flags, filter_params.data(), &value_size, status);
+            KOB1_WRITE_MULTIENTITYRESULTS(&group, series.data(), etyp.data(), &nent, etypvar.data(), &ncoo,
+                                          etypzone.data(), &zoneid, etypframe.data(), &fswitch, &dmpswitch, &nindex,
+                                          indexident.data(), Reals{indexval, floats()}, entid.data(), &fidglob,
+                                          fid.data(), operators.data(), Reals{weight, floats()}, Reals{res, floats()},
+                                          &set, &s, &filter_flags, filter_params.data(), &value_size, status);
         });
     }
     Outcome write_c(std::int64_t group)
@@ -892,12 +889,11 @@ struct MultiEntityResults : kob_test::MultiEntityResults {
     {
         const bool small = (pass & four_byte_memory) != 0;
         return outcome_of([&](std::int32_t* status) {
-            KOB1_READ_MULTIENTITYRESULTC(&block, &pass, series.data(), etyp.data(), &nent, etypvar.data(), &ncoo,
-                                         etypzone.data(), &zoneid, etypframe.data(), &fswitch, &dmpswitch, &nindex,
-                                         &nstate, indexident.data(), Reals{indexval, small}, entid.data(), &fidglob,
-                                         fid.data(), operators.data(), Reals{weight, small}, Reals{res, small},
-                                         &filter_flags, filter_params.data(), &mode, count.data(), start.data(),
-                                         status);
+            KOB1_READ_MULTIENTITYRESULTC(
+                &block, &pass, series.data(), etyp.data(), &nent, etypvar.data(), &ncoo, etypzone.data(), &zoneid,
+                etypframe.data(), &fswitch, &dmpswitch, &nindex, &nstate, indexident.data(), Reals{indexval, small},
+                entid.data(), &fidglob, fid.data(), operators.data(), Reals{weight, small}, Reals{res, small},
+                &filter_flags, filter_params.data(), &mode, count.data(), start.data(), status);
         });
     }
     Outcome read2(std::int64_t block, std::int32_t sections, std::int32_t memory_size = 8)
@@ -924,7 +920,10 @@ struct DenseMatrix : kob_test::DenseMatrix {
     static constexpr const char* name = "densematrix";
     static std::string keys() { return "10000 or 10001"; }
     static std::string pass_error(int /*pass*/) { return pass_line(10000, 10001); }
-    static const char* path() { return "singlestate/state000000000012/densematrix/SUPERELEMENT/STIFFNESS/id17/kobblock"; }
+    static const char* path()
+    {
+        return "singlestate/state000000000012/densematrix/SUPERELEMENT/STIFFNESS/id17/kobblock";
+    }
 
     Outcome write(std::int64_t group)
     {
