@@ -124,13 +124,21 @@ template <class T> struct Column {
     std::vector<T>& values;
     std::int64_t width;            ///< values of a row in memory; 0 where the block lacks the dataset
     std::int64_t elements = width; ///< elements of a row in the file
-    T missing = T{};               ///< what rows hold whose domain lacks the dataset
+    bool is_optional = false;      ///< one domain may lack what another has
+    T missing = T{};               ///< what rows hold whose domain lacks it
 };
+
+/// A column of single integers that a block may lack.
+inline Column<std::int32_t> optional_column(const char* name, std::vector<std::int32_t>& values, bool is_there)
+{
+    const std::int64_t width = is_there ? 1 : 0;
+    return {name, values, width, width, true};
+}
 
 inline Column<char> text_column(const char* name, std::vector<char>& texts, std::int32_t length)
 {
     const std::int32_t width = std::max(length, 0);
-    return {name, texts, width, width > 0 ? 1 : 0, ' '};
+    return {name, texts, width, width > 0 ? 1 : 0, true, ' '};
 }
 
 /// A quantity that all blocks of one path must have in common.

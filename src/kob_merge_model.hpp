@@ -160,8 +160,8 @@ struct Parts {
     std::vector<std::int32_t>& row_identifiers() { return pid; }
     auto columns()
     {
-        return std::tuple{text_column("title", title, length), Column<std::int32_t>{"mid", mid, has(1)},
-                          Column<std::int32_t>{"mtyp", mtyp, has(2)}, Column<std::int32_t>{"pcol", pcol, has(4)}};
+        return std::tuple{text_column("title", title, length), optional_column("mid", mid, has(1)),
+                          optional_column("mtyp", mtyp, has(2)), optional_column("pcol", pcol, has(4))};
     }
     [[nodiscard]] std::vector<Trait> traits() const { return {{"nindex", index.nindex}}; }
     /// A column that one domain has is a column of all.
@@ -173,7 +173,7 @@ struct Parts {
     void share(Parts& lead) { index = std::move(lead.index); }
 
 private:
-    [[nodiscard]] std::int64_t has(std::int32_t bit) const { return (off & bit) == 0 ? 1 : 0; }
+    [[nodiscard]] bool has(std::int32_t bit) const { return (off & bit) == 0; }
 };
 
 /// Attributes and identifiers blocks: one layout, two kinds.

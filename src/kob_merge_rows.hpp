@@ -69,6 +69,19 @@ template <class Block> void scatter(Block& domain, RowMap rows, Block& merged)
     each(std::make_index_sequence<std::tuple_size_v<decltype(from)>>{});
 }
 
+/// Swaps the memory of the rows, not what describes them.
+template <class Block> void swap_rows(Block& a, Block& b)
+{
+    a.row_identifiers().swap(b.row_identifiers());
+    auto columns_of_a = a.columns();
+    auto columns_of_b = b.columns();
+    const auto each = [&]<std::size_t... I>(std::index_sequence<I...>)
+    {
+        (std::get<I>(columns_of_a).values.swap(std::get<I>(columns_of_b).values), ...);
+    };
+    each(std::make_index_sequence<std::tuple_size_v<decltype(columns_of_a)>>{});
+}
+
 /// Makes a block one of these entities, with nothing known of them yet.
 template <class Block> void make_rows(Block& merged, const std::vector<std::int32_t>& identifiers)
 {
@@ -76,7 +89,11 @@ template <class Block> void make_rows(Block& merged, const std::vector<std::int3
     merged.row_identifiers() = identifiers;
     for_each_column(merged, [&](auto& column) {
         const auto width = static_cast<std::size_t>(std::max<std::int64_t>(column.width, 0));
-        column.values.assign(identifiers.size() * width, column.missing);
+        if (column.is_optional) {
+            column.values.assign(identifiers.size() * width, column.missing);
+        } else {
+            column.values.resize(identifiers.size() * width); // each row comes from some domain
+        }
     });
 }
 

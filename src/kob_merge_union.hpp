@@ -21,6 +21,12 @@ public:
         return list(ends_.size() - 1);
     }
 
+    void clear()
+    {
+        values_.clear();
+        ends_.clear();
+    }
+
     [[nodiscard]] std::size_t count() const { return ends_.size(); }
     [[nodiscard]] std::size_t begin_of(std::size_t domain) const { return domain == 0 ? 0 : ends_[domain - 1]; }
     [[nodiscard]] std::size_t end_of(std::size_t domain) const { return ends_[domain]; }
@@ -72,10 +78,17 @@ private:
 /// Unions made before, the last used first: the states of a run repeat few sets of identifier lists.
 class UnionCache {
 public:
+    /// Lists to fill in; their memory is used again and again.
+    IdentifierLists& new_lists()
+    {
+        lists_.clear();
+        return lists_;
+    }
     /// The union of these lists, sorted only if it is not at hand. Valid until the next call.
     const IdentifierUnion& of(const IdentifierLists& lists);
 
 private:
+    IdentifierLists lists_;
     std::list<IdentifierUnion> unions_;
 };
 

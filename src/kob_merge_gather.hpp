@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// The blocks of one path, brought together: can they be united, and which entities do they hold?
+#pragma once
+
+#include "kob_merge_files.hpp"
+#include "kob_merge_rows.hpp"
+#include "kob_merge_union.hpp"
+#include "kob_message.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace kob::merge {
+
+constexpr std::int32_t most_index_values = 5;
+constexpr std::int32_t too_many_index_values = 1; // a status, and positive
+constexpr std::int32_t cannot_be_united = -1;     // a status
+constexpr std::int32_t other_extents = -6030;     // the status of a reader that finds other extents than it expects
+
+inline void check_index_values(std::int32_t nindex)
+{
+    if (nindex > most_index_values) {
+        report_error(message::merge_nindex, nindex, most_index_values);
+        throw Stop{too_many_index_values};
+    }
+}
+
+/// The blocks of one path as their attributes describe them, and the union of their entities.
+template <class Block> struct Gathered {
+    std::vector<Block> domains; ///< attributes alone
+    std::size_t lead = 0;       ///< the first that has entities: what rows don't tell is taken from it
+    const IdentifierUnion* rows = nullptr;
+};
+
+/// The reader knows best what is wrong with a block whose attributes and contents differ.
+template <class Block>
+[[noreturn]] void fail_incomplete(const BlockKind& kind, Block block, hid_t group, const std::string& path)
+{
+    block.make_room(group);
+    const std::int32_t pass = block.values_pass(true);
+    const std::int32_t status = block.read(group, pass);
+    fail_reading(kind, pass, status < 0 ? status : other_extents, path);
+}
+
+template <class Block>
+void read_identifiers(const BlockKind& kind, hid_t group, Block& block, IdentifierLists& lists, const std::string& path)
+{
+    const auto rows = static_cast<hsize_t>(std::max(block.rows(), 0));
+    const std::span<std::int32_t> list = lists.add(rows);
+    const std::int32_t status =
+        KOB_H5Dread(Block::identifiers, list.data(), type_code::integer, sizeof(std::int32_t), &rows, 1, nullptr,
+                    nullptr, access_mode::whole, group, nullptr, nullptr, nullptr);
+    if (status < 0) {
+        fail_reading(kind, Block::passes.values, status, path);
+    }
+}
+
+/// Blocks without entities may have any shape.
+template <class Block> void check_traits(const SharedBlock& shared, Gathered<Block>& gathered)
+{
+    const std::vector<Trait> wanted = gathered.domains[gathered.lead].traits();
+    for (std::size_t i = gathered.lead; i < gathered.domains.size(); ++i) {
+        const std::vector<Trait> traits = gathered.domains[i].traits();
+        for (std::size_t t = 0; t < traits.size(); ++t) {
+            if (gathered.domains[i].rows() > 0 && traits[t].value != wanted[t].value) {
+                report_error(message::merge_differs, shared[i].entry->path.c_str(), traits[t].name, wanted[t].value,
+                             shared[gathered.lead].file(), traits[t].value, shared[i].file());
+                throw Stop{cannot_be_united};
+            }
+        }
+    }
+}
+
+/// Reads the attributes of all blocks of a path, checks that they can be united, and unites their entities.
+template <class Block>
+Gathered<Block> gather(const DomainFiles& files, UnionCache& unions, const BlockKind& kind, const SharedBlock& shared,
+                       const Block& empty)
+{
+    Gathered<Block> gathered;
+    IdentifierLists& lists = unions.new_lists();
+    bool has_rows = false;
+    for (const Source& source : shared) {
+        const std::string& path = source.entry->path;
+        const Id group = files.open(source);
+        Block& block = gathered.domains.emplace_back(empty);
+        if (const std::int32_t status = block.read(group.get(), Block::passes.attributes); status < 0) {
+            fail_reading(kind, Block::passes.attributes, status, path);
+        }
+        if (!is_complete(group.get(), block)) {
+            fail_incomplete(kind, block, group.get(), path);
+        }
+        read_identifiers(kind, group.get(), block, lists, path);
+        if (!has_rows && block.rows() > 0) {
+            has_rows = true;
+            gathered.lead = gathered.domains.size() - 1;
+        }
+    }
+    check_traits(shared, gathered);
+    gathered.rows = &unions.of(lists);
+    return gathered;
+}
+
+/// The merged block with its entities, whose values are still to come. Takes over the memory of the one before.
+template <class Block> Block frame_of(Gathered<Block>& gathered, Block& before)
+{
+    Block merged = gathered.domains[gathered.lead];
+    swap_rows(merged, before);
+    for (Block& domain : gathered.domains) {
+        if (domain.rows() > 0) {
+            merged.take_in(domain);
+        }
+    }
+    make_rows(merged, gathered.rows->identifiers());
+    return merged;
+}
+
+} // namespace kob::merge
