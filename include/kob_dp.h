@@ -2514,35 +2514,138 @@ KOB_API void KOB_READ_PARAM(const char* path, int32_t path_length, const int32_t
  *  The number of states of a series is the extent of its values; the attribute "nstate" is written, and not believed.
  *  @{ */
 
-/** Opens or creates a block group by its path, as KOB_OPENAUTOPATH() does: the paths of both layouts are the same. */
+/** Opens or creates a block group by its path, as KOB_OPENAUTOPATH() does: the paths of both layouts are the same.
+ *  @param[in]  parent  int64 [1], group from KOB1_OPEN()
+ *  @param[in]  mask    int32 [1], sum of 1, 2, 4, 8, 16: which of the five names go into the path
+ *  @param[in]  unused3 unused [1], not read
+ *  @param[in]  ioflag  int32 [1], 0: create what is missing; 1: open only; 2: open only, and check every level
+ *  @param[in]  nstate  int32 [1], number of states n: 0 constant, -1 multi-state, else single-state
+ *  @param[in]  states  int32 [nstate], state numbers, used if nstate is positive and state negative
+ *  @param[in]  state   int32 [1], state number, used if nstate is positive; negative: take states
+ *  @param[in]  name1   text256 [1], first name; read only if the mask has its bit, like the others
+ *  @param[in]  name2   text256 [1], second name
+ *  @param[in]  name3   text256 [1], third name
+ *  @param[in]  name4   text256 [1], fourth name
+ *  @param[in]  name5   text256 [1], fifth name
+ *  @param[in]  number  int32 [1], number behind the names; negative: none
+ *  @param[in]  set     int32 [1], set number; negative: none
+ *  @param[out] block   int64 [1], the group of the block; -1 if the status is negative
+ *  @param[out] status  int32 [1], as KOB_H5GOPEN(): 0 the block was there; positive: it is new, number of groups
+ *                      created; -1 missing (ioflag 1 and 2); -8 a level cannot be created; -10, -20 cannot be opened;
+ *                      -30 unknown ioflag */
 KOB_API void KOB1_OPENAUTOPATH(const int64_t* parent, const int32_t* mask, const void* unused3, const int32_t* ioflag,
                                const int32_t* nstate, const int32_t* states, const int32_t* state, const char* name1,
                                const char* name2, const char* name3, const char* name4, const char* name5,
                                const int32_t* number, const int32_t* set, int64_t* block, int32_t* status);
 
-/** Closes a file with everything that is open in it, as KOB_CLOSE() does. */
+/** Closes a file with everything that is open in it: KOB_CLOSE() under the name of the older layout.
+ *  @param[in]  handle int64 [1], any object of the file
+ *  @param[out] status int32 [1], 0 closed; -1 something could not be closed, or the handle is none */
 KOB_API void KOB1_CLOSE(const int64_t* handle, int32_t* status);
 
-/** Tells the versions of the libraries, as KOB_GET_VERSION() does; the format version is KOB-1.2.0. */
+/** Tells the versions of the libraries, as KOB_GET_VERSION() does; the format version is KOB-1.2.0.
+ *  @param[out] text     text256 [1], the text, padded with blanks, without NUL
+ *  @param[in]  selector int32 [1], 1: the build identifier; 2: "HDF5-1.14.6"; 4: "KOB-1.2.0"; 6: "HDF5-1.14.6
+ *                       KOB-1.2.0"; any other: "kob__dp HDF5-1.14.6 KOB-1.2.0" (with the running HDF5 version)
+ *  @param[in]  verbose  int32 [1], positive: also print the versions on standard output
+ *  @param[out] status   int32 [1], 0; -998 HDF5 older than 1.14.6; -999 its version is unknown. text is set with 0 */
 KOB_API void KOB1_GET_VERSION(char* text, const int32_t* selector, const int32_t* verbose, int32_t* status);
 
-/** Lists all blocks of the older layout, as kob_lookup() does those of the current one. */
+/** Lists all blocks of the older layout below a group, as kob_lookup() lists those of the current one.
+ *
+ *  Blocks of the current layout are left out. The three arrays come from malloc() and are handled as there.
+ *  @param[in]     group       int64 [1], group from which to start
+ *  @param[in]     store       int32 [1], 1: fill the arrays; below 1: count only, and capacity, path_size and the three
+ *                             pointers are set to 0 and null, without freeing what was handed in
+ *  @param[in]     verbose     int32 [1], not 0: print the listing on standard output, if the arrays are filled
+ *  @param[in,out] capacity    int32 [1], entries that the arrays can hold; below 1: allocate keys and offsets (10,000)
+ *  @param[in,out] path_size   int64 [1], bytes of paths; below 1: allocate paths (2,560,000)
+ *  @param[out]    count       int32 [1], number of blocks found
+ *  @param[out]    path_length int64 [1], bytes that all paths take, their NULs included
+ *  @param[in,out] keys        int32* [1], array [capacity] of block keys, see @ref block_keys
+ *  @param[in,out] offsets     int64* [1], array [capacity + 1] of positions in paths
+ *  @param[in,out] paths       char* [1], array [path_size] of characters, the paths one behind the other
+ *  @param[out]    status      int32 [1], 0 complete; -1 an array is missing (null, or not enough memory); 1 not enough
+ *                             memory during the walk, the arrays hold what was found until then; otherwise negative:
+ *                             HDF5 failed, or the limits are exceeded */
 KOB_API void kob1_lookup(const int64_t* group, const int32_t* store, const int32_t* verbose, int32_t* capacity,
                          int64_t* path_size, int32_t* count, int64_t* path_length, int32_t** keys, int64_t** offsets,
                          char** paths, int32_t* status);
 
-/** Finds blocks of the older layout, as KOB_SEARCHBLOCKS() does those of the current one. Variables blocks (key 30) take
- *  the criterion etypvar; text blocks count as constant. */
+/** Finds blocks of the older layout by their contents, as KOB_SEARCHBLOCKS() finds those of the current one.
+ *
+ *  A variables block (key 30) is tested by etypvar. Text blocks belong to no state: they count as constant. A block of
+ *  the current layout has no key here: it is found while no key is asked for, unless a criterion of its contents is
+ *  set.
+ *  @param[in]  group           int64 [1], group from KOB1_OPEN()
+ *  @param[in]  option          int32 [1], below 1: count only, no array is written; 1: fill the arrays; bit value 2:
+ *                              fill the arrays and typenames
+ *  @param[in]  verbose         int32 [1], not 0: print the listing on standard output, if the arrays are filled
+ *  @param[in]  key             int32 [1], block key; below 1: any
+ *  @param[in]  etyp            text256 [1], entity type name
+ *  @param[in]  etypvar         text256 [1], variable (group) name
+ *  @param[in]  etypzone        text256 [1], zone name
+ *  @param[in]  zoneid          int32 [1], zone number; negative: any
+ *  @param[in]  etypframe       text256 [1], frame name
+ *  @param[in]  series          text256 [1], series name
+ *  @param[in]  matrixtype      int32 [1], matrix type; negative: any
+ *  @param[in]  entid           int32 [1], identifier that the block must contain; negative: any
+ *  @param[in]  name2           text256 [1], variable key, element type or property type
+ *  @param[in]  unused14        unused [1], not read
+ *  @param[in]  nindex          int32 [1], number of index ranges; 0: constant blocks; negative: any state
+ *  @param[in]  indexident_low  int32 [nindex], smallest index identifiers
+ *  @param[in]  indexval_low    double [nindex], smallest index values
+ *  @param[in]  indexident_high int32 [nindex], largest index identifiers
+ *  @param[in]  indexval_high   double [nindex], largest index values
+ *  @param[in]  capacity        int32 [1], matches that the arrays can hold
+ *  @param[in]  path_size       int64 [1], bytes of paths
+ *  @param[out] count           int32 [1], number of matches
+ *  @param[out] path_length     int64 [1], bytes that their paths take, NULs included
+ *  @param[out] keys            int32 [capacity], block keys
+ *  @param[out] offsets         int64 [capacity + 1], path i starts at paths + offsets[i], offsets[0] is 0
+ *  @param[out] paths           char [path_size], the paths one behind the other, each ends with a NUL
+ *  @param[out] typenames       text256 [capacity], block type names as stored ("n/a" if unreadable); bit value 2 only
+ *  @param[out] status          int32 [1], 0 complete; 1 the arrays are full, count and path_length tell what they hold;
+ *                              negative: HDF5 failed, or the limits of kob_lookup() are exceeded */
 KOB_API void KOB1_SEARCHBLOCKS(const int64_t* group, const int32_t* option, const int32_t* verbose, const int32_t* key,
                                const char* etyp, const char* etypvar, const char* etypzone, const int32_t* zoneid,
                                const char* etypframe, const char* series, const int32_t* matrixtype,
-                               const int32_t* entid, const char* name2, const void* unused, const int32_t* nindex,
+                               const int32_t* entid, const char* name2, const void* unused14, const int32_t* nindex,
                                const int32_t* indexident_low, const double* indexval_low,
                                const int32_t* indexident_high, const double* indexval_high, const int32_t* capacity,
                                const int64_t* path_size, int32_t* count, int64_t* path_length, int32_t* keys,
                                int64_t* offsets, char* paths, char* typenames, int32_t* status);
 
-/** Writes a block of the older layout; see KOB_WRITE_SYSTEM(). */
+/** Writes the system block of the older layout, as KOB_WRITE_SYSTEM() writes the current one.
+ *
+ *  nfactor is the sum of ndbunit.
+ *  @param[in]  group         int64 [1], group from KOB1_OPEN()
+ *  @param[in]  title         text256 [1], title of the results
+ *  @param[in]  sys           text256 [1], name of the producing system
+ *  @param[in]  solver_name   text256 [1], solver name
+ *  @param[in]  solver_vers   text256 [1], solver version
+ *  @param[in]  cdate         text8 [1], date of creation, stored as it is
+ *  @param[in]  ctime         text8 [1], time of creation
+ *  @param[in]  mdate         text8 [1], date of modification
+ *  @param[in]  mtime         text8 [1], time of modification
+ *  @param[in]  nbunit        int32 [1], number of base units
+ *  @param[in]  ndunit        int32 [1], number of derived units
+ *  @param[in]  ubid          int32 [nbunit], identifiers of the base units
+ *  @param[in]  ubtyp         text256 [nbunit], kinds of quantity
+ *  @param[in]  ubnam         text256 [nbunit], names
+ *  @param[in]  ubshift       double [nbunit], shifts
+ *  @param[in]  ubcon         double [nbunit], conversion factors
+ *  @param[in]  udid          int32 [ndunit], identifiers of the derived units
+ *  @param[in]  udnam         text256 [ndunit], names
+ *  @param[in]  udscal        double [ndunit], scale factors
+ *  @param[in]  ndbunit       int32 [ndunit], number of base-unit factors of each derived unit
+ *  @param[in]  udbid         int32 [nfactor], base-unit identifiers of the factors
+ *  @param[in]  udbexp        double [nfactor], exponents of the factors
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; bit 128 has no effect here
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  float_size    int32 [1], stored size of the doubles, see @ref value_size
+ *  @param[out] status        int32 [1], 0 written; -1 exists already; -8, -10 the group cannot be created, opened;
+ *                            otherwise see @ref storage_codes */
 KOB_API void KOB1_WRITE_SYSTEM(const int64_t* group, const char* title, const char* sys, const char* solver_name,
                                const char* solver_vers, const char* cdate, const char* ctime, const char* mdate,
                                const char* mtime, const int32_t* nbunit, const int32_t* ndunit, const int32_t* ubid,
@@ -2551,25 +2654,114 @@ KOB_API void KOB1_WRITE_SYSTEM(const int64_t* group, const char* title, const ch
                                const int32_t* udbid, const double* udbexp, const int32_t* filter_flags,
                                const int32_t* filter_params, const int32_t* float_size, int32_t* status);
 
-/** Reads a block of the older layout; see KOB_READ_SYSTEM(). */
-KOB_API void KOB1_READ_SYSTEM(const int64_t* block, const int32_t* mode, char* title, char* sys, char* solver_name,
+/** Reads the system block of the older layout.
+ *
+ *  The length of udbid and udbexp, nfactor, is the sum of ndbunit, which only pass 2 reads: provide enough room, or ask
+ *  HDF5 for the extent of "data/udbid".
+ *  @param[in]  block         int64 [1], group of the block
+ *  @param[in]  pass          int32 [1], 1: the scalar items; 2: everything
+ *  @param[out] title         text256 [1], title of the results
+ *  @param[out] sys           text256 [1], name of the producing system
+ *  @param[out] solver_name   text256 [1], solver name
+ *  @param[out] solver_vers   text256 [1], solver version
+ *  @param[out] cdate         text8 [1], date of creation
+ *  @param[out] ctime         text8 [1], time of creation
+ *  @param[out] mdate         text8 [1], date of modification
+ *  @param[out] mtime         text8 [1], time of modification
+ *  @param[out] nbunit        int32 [1], number of base units
+ *  @param[out] ndunit        int32 [1], number of derived units
+ *  @param[out] ubid          int32 [nbunit], identifiers of the base units
+ *  @param[out] ubtyp         text256 [nbunit], kinds of quantity
+ *  @param[out] ubnam         text256 [nbunit], names
+ *  @param[out] ubshift       double [nbunit], shifts
+ *  @param[out] ubcon         double [nbunit], conversion factors
+ *  @param[out] udid          int32 [ndunit], identifiers of the derived units
+ *  @param[out] udnam         text256 [ndunit], names
+ *  @param[out] udscal        double [ndunit], scale factors
+ *  @param[out] ndbunit       int32 [ndunit], number of base-unit factors of each derived unit
+ *  @param[out] udbid         int32 [nfactor], base-unit identifiers of the factors
+ *  @param[out] udbexp        double [nfactor], exponents of the factors
+ *  @param[out] filter_flags  int32 [1], filters of "udbexp", see @ref filters; 0 if that is empty
+ *  @param[out] filter_params int32 [2], their parameters
+ *  @param[out] status        int32 [1], 0 read; -1 invalid handle, not a system block of this layout, or a part of it
+ *                            is missing; -3 another pass (the scalar items are filled in then); otherwise see @ref
+ *                            storage_codes */
+KOB_API void KOB1_READ_SYSTEM(const int64_t* block, const int32_t* pass, char* title, char* sys, char* solver_name,
                               char* solver_vers, char* cdate, char* ctime, char* mdate, char* mtime, int32_t* nbunit,
                               int32_t* ndunit, int32_t* ubid, char* ubtyp, char* ubnam, double* ubshift, double* ubcon,
                               int32_t* udid, char* udnam, double* udscal, int32_t* ndbunit, int32_t* udbid,
                               double* udbexp, int32_t* filter_flags, int32_t* filter_params, int32_t* status);
 
-/** Writes a block of the older layout; see KOB_WRITE_INDEX(). */
+/** Writes the index block of the older layout: how the states of the results are identified, with names and units.
+ *
+ *  Placed with the name "indices", constant; one per group. lenb is the sum of mbunit, lend that of mdunit.
+ *  @param[in]  group         int64 [1], group from KOB1_OPEN()
+ *  @param[in]  nindex        int32 [1], number of index values of a state
+ *  @param[in]  etypindex     text256 [nindex], name of each index value
+ *  @param[in]  mbunit        int32 [nindex], number of base-unit factors of each index value, see KOB_WRITE_VARIABLE()
+ *  @param[in]  mdunit        int32 [nindex], number of derived-unit factors of each index value
+ *  @param[in]  ubid          int32 [lenb], base-unit identifiers of the factors
+ *  @param[in]  ubexp         double [lenb], their exponents
+ *  @param[in]  udid          int32 [lend], derived-unit identifiers of the factors
+ *  @param[in]  udexp         double [lend], their exponents
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; bit 128 has no effect here
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  float_size    int32 [1], stored size of the doubles, see @ref value_size
+ *  @param[out] status        int32 [1], 0 written; -1 exists already; -8, -10 the group cannot be created, opened;
+ *                            otherwise see @ref storage_codes */
 KOB_API void KOB1_WRITE_INDEX(const int64_t* group, const int32_t* nindex, const char* etypindex, const int32_t* mbunit,
                               const int32_t* mdunit, const int32_t* ubid, const double* ubexp, const int32_t* udid,
                               const double* udexp, const int32_t* filter_flags, const int32_t* filter_params,
                               const int32_t* float_size, int32_t* status);
 
-/** Reads a block of the older layout; see KOB_READ_INDEX(). */
+/** Reads the index block of the older layout.
+ *
+ *  lenb is the sum of mbunit, lend that of mdunit, which only pass 2 reads: provide enough room, or ask HDF5 for the
+ *  extents of "data/ubid" and "data/udid".
+ *  @param[in]  block         int64 [1], group of the block
+ *  @param[in]  pass          int32 [1], 1: the scalar items; 2: everything
+ *  @param[out] nindex        int32 [1], number of index values of a state
+ *  @param[out] etypindex     text256 [nindex], name of each index value; pass 2, like all below
+ *  @param[out] mbunit        int32 [nindex], number of base-unit factors of each index value
+ *  @param[out] mdunit        int32 [nindex], number of derived-unit factors of each index value
+ *  @param[out] ubid          int32 [lenb], base-unit identifiers of the factors
+ *  @param[out] ubexp         double [lenb], their exponents
+ *  @param[out] udid          int32 [lend], derived-unit identifiers of the factors
+ *  @param[out] udexp         double [lend], their exponents
+ *  @param[out] filter_flags  int32 [1], filters of the last dataset read, see @ref filters; pass 2 only
+ *  @param[out] filter_params int32 [2], their parameters; pass 2 only
+ *  @param[out] status        int32 [1], 0 read; -1 invalid handle, not an index block of this layout, or a part of it
+ *                            is missing; -3 another pass (the scalar items are filled in then); otherwise see @ref
+ *                            storage_codes */
 KOB_API void KOB1_READ_INDEX(const int64_t* block, const int32_t* pass, int32_t* nindex, char* etypindex,
                              int32_t* mbunit, int32_t* mdunit, int32_t* ubid, double* ubexp, int32_t* udid,
                              double* udexp, int32_t* filter_flags, int32_t* filter_params, int32_t* status);
 
-/** Writes a block of the older layout; see KOB_WRITE_VARIABLE(). */
+/** Writes a variables block, which has the place of variable and variable group blocks in the older layout.
+ *
+ *  Placed with the names "variables" and etypvar, constant; one block per variable. With rank extents of ndim each,
+ *  comp says which component each place of the tensor is; for rank 0 it is a single number. lenb is the sum of mbunit,
+ *  lend that of mdunit.
+ *  @param[in]  group         int64 [1], group from KOB1_OPEN()
+ *  @param[in]  etypvar       text256 [1], name of the variable
+ *  @param[in]  idtrans       int32 [1], identifier of its transformation, stored as given
+ *  @param[in]  rank          int32 [1], tensor rank
+ *  @param[in]  ndim          int32 [1], dimension of the tensor
+ *  @param[in]  ncoo          int32 [1], number of components
+ *  @param[in]  mbunit        int32 [ncoo], number of base-unit factors of each component, see KOB_WRITE_VARIABLE()
+ *  @param[in]  mdunit        int32 [ncoo], number of derived-unit factors of each component
+ *  @param[in]  ubid          int32 [lenb], base-unit identifiers of the factors
+ *  @param[in]  ubexp         double [lenb], their exponents
+ *  @param[in]  udid          int32 [lend], derived-unit identifiers of the factors
+ *  @param[in]  udexp         double [lend], their exponents
+ *  @param[in]  cname         text256 [ncoo], name of each component
+ *  @param[in]  cid           int32 [ncoo], identifier of each component
+ *  @param[in]  comp          int32 [ndim, ..., ndim], rank extents; [1] for rank 0
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; bit 128 has no effect here
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  float_size    int32 [1], stored size of the doubles, see @ref value_size
+ *  @param[out] status        int32 [1], 0 written; -1 exists already; -8, -10 the group cannot be created, opened;
+ *                            otherwise see @ref storage_codes */
 KOB_API void KOB1_WRITE_VARIABLES(const int64_t* group, const char* etypvar, const int32_t* idtrans,
                                   const int32_t* rank, const int32_t* ndim, const int32_t* ncoo, const int32_t* mbunit,
                                   const int32_t* mdunit, const int32_t* ubid, const double* ubexp, const int32_t* udid,
@@ -2577,22 +2769,89 @@ KOB_API void KOB1_WRITE_VARIABLES(const int64_t* group, const char* etypvar, con
                                   const int32_t* filter_flags, const int32_t* filter_params, const int32_t* float_size,
                                   int32_t* status);
 
-/** Reads a block of the older layout; see KOB_READ_VARIABLE(). */
+/** Reads a variables block of the older layout.
+ *
+ *  lenb is the sum of mbunit, lend that of mdunit, which only pass 2 reads: provide enough room, or ask HDF5 for the
+ *  extents of "data/ubid" and "data/udid".
+ *  @param[in]  block         int64 [1], group of the block
+ *  @param[in]  pass          int32 [1], 1: the scalar items; 2: everything
+ *  @param[out] etypvar       text256 [1], name of the variable
+ *  @param[out] idtrans       int32 [1], identifier of its transformation
+ *  @param[out] rank          int32 [1], tensor rank
+ *  @param[out] ndim          int32 [1], dimension of the tensor
+ *  @param[out] ncoo          int32 [1], number of components
+ *  @param[out] mbunit        int32 [ncoo], number of base-unit factors of each component; pass 2, like all below
+ *  @param[out] mdunit        int32 [ncoo], number of derived-unit factors of each component
+ *  @param[out] ubid          int32 [lenb], base-unit identifiers of the factors
+ *  @param[out] ubexp         double [lenb], their exponents
+ *  @param[out] udid          int32 [lend], derived-unit identifiers of the factors
+ *  @param[out] udexp         double [lend], their exponents
+ *  @param[out] cname         text256 [ncoo], name of each component
+ *  @param[out] cid           int32 [ncoo], identifier of each component
+ *  @param[out] comp          int32 [ndim, ..., ndim], rank extents; [1] for rank 0
+ *  @param[out] filter_flags  int32 [1], filters of the last dataset read, see @ref filters; pass 2 only
+ *  @param[out] filter_params int32 [2], their parameters; pass 2 only
+ *  @param[out] status        int32 [1], 0 read; -1 invalid handle, not a variables block of this layout, or a part of
+ *                            it is missing; -3 another pass (the scalar items are filled in then); otherwise see @ref
+ *                            storage_codes */
 KOB_API void KOB1_READ_VARIABLES(const int64_t* block, const int32_t* pass, char* etypvar, int32_t* idtrans,
                                  int32_t* rank, int32_t* ndim, int32_t* ncoo, int32_t* mbunit, int32_t* mdunit,
                                  int32_t* ubid, double* ubexp, int32_t* udid, double* udexp, char* cname, int32_t* cid,
                                  int32_t* comp, int32_t* filter_flags, int32_t* filter_params, int32_t* status);
 
-/** Writes a block of the older layout; see KOB_WRITE_TEXT(). */
+/** Writes lines of free text in the older layout, where they belong to no state.
+ *
+ *  Placed with the names "text" and etyptext, constant; one block per kind of text.
+ *  @param[in]  group         int64 [1], group from KOB1_OPEN()
+ *  @param[in]  etyptext      text256 [1], name of the text kind
+ *  @param[in]  nlines        int32 [1], number of lines
+ *  @param[in]  length        int32 [1], characters of each line
+ *  @param[in]  line          char [nlines, length], the lines, one behind the other
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; bit 128 has no effect here
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[out] status        int32 [1], 0 written; -1 exists already; -8, -10 the group cannot be created, opened;
+ *                            otherwise see @ref storage_codes (-3001: length is below 1) */
 KOB_API void KOB1_WRITE_TEXT(const int64_t* group, const char* etyptext, const int32_t* nlines, const int32_t* length,
                              const char* line, const int32_t* filter_flags, const int32_t* filter_params,
                              int32_t* status);
 
-/** Reads a block of the older layout; see KOB_READ_TEXT(). */
+/** Reads a text block of the older layout.
+ *  @param[in]  block         int64 [1], group of the block
+ *  @param[in]  pass          int32 [1], 1: the scalar items; 2: everything
+ *  @param[out] etyptext      text256 [1], name of the text kind
+ *  @param[out] nlines        int32 [1], number of lines
+ *  @param[out] length        int32 [1], characters of each line
+ *  @param[out] line          char [nlines, length], the lines, one behind the other; pass 2
+ *  @param[out] filter_flags  int32 [1], filters of "line", see @ref filters; pass 2 only
+ *  @param[out] filter_params int32 [2], their parameters; pass 2 only
+ *  @param[out] status        int32 [1], 0 read; -1 invalid handle, not a text block of this layout, or a part of it is
+ *                            missing; -3 another pass (the scalar items are filled in then); otherwise see @ref
+ *                            storage_codes (-6010: length is less than the stored one) */
 KOB_API void KOB1_READ_TEXT(const int64_t* block, const int32_t* pass, char* etyptext, int32_t* nlines, int32_t* length,
                             char* line, int32_t* filter_flags, int32_t* filter_params, int32_t* status);
 
-/** Writes a block of the older layout; see KOB_WRITE_PARTS(). */
+/** Writes the parts of one part type in the older layout, as KOB_WRITE_PARTS() writes them in the current one.
+ *
+ *  Titles have 256 characters and are always written; each part has a further code, pvtyp.
+ *  @param[in]  group         int64 [1], group from KOB1_OPEN()
+ *  @param[in]  etyppart      text256 [1], part type name
+ *  @param[in]  npart         int32 [1], number of parts
+ *  @param[in]  off           int32 [1], sum of 1: no mid; 2: no mtyp; 4: no pcol
+ *  @param[in]  nindex        int32 [1], number of index values, see @ref state_index; 0: constant
+ *  @param[in]  indexident    int32 [nindex], index identifiers of the state
+ *  @param[in]  indexval      double [nindex], index values of the state
+ *  @param[in]  pid           int32 [npart], part identifiers
+ *  @param[in]  title         text256 [npart], titles
+ *  @param[in]  mid           int32 [npart], material identifier of each part; unless off has 1
+ *  @param[in]  mtyp          int32 [npart], material type of each part; unless off has 2
+ *  @param[in]  pcol          int32 [npart], colour number of each part; unless off has 4
+ *  @param[in]  pvtyp         int32 [npart], further type code of each part, stored as given
+ *  @param[in]  state         int32 [1], state number of the path; negative: taken from indexident
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; bit 128 has no effect here
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  float_size    int32 [1], stored size of the doubles, see @ref value_size
+ *  @param[out] status        int32 [1], 0 written; -1 exists already; -8, -10 the group cannot be created, opened;
+ *                            otherwise see @ref storage_codes */
 KOB_API void KOB1_WRITE_PARTS(const int64_t* group, const char* etyppart, const int32_t* npart, const int32_t* off,
                               const int32_t* nindex, const int32_t* indexident, const double* indexval,
                               const int32_t* pid, const char* title, const int32_t* mid, const int32_t* mtyp,
@@ -2600,25 +2859,111 @@ KOB_API void KOB1_WRITE_PARTS(const int64_t* group, const char* etyppart, const 
                               const int32_t* filter_flags, const int32_t* filter_params, const int32_t* float_size,
                               int32_t* status);
 
-/** Reads a block of the older layout; see KOB_READ_PARTS(). */
+/** Reads the parts of one part type of the older layout.
+ *  @param[in]  block         int64 [1], group of the block
+ *  @param[in]  pass          int32 [1], 1: the scalar items; 2: everything
+ *  @param[out] etyppart      text256 [1], part type name
+ *  @param[out] npart         int32 [1], number of parts
+ *  @param[out] off           int32 [1], sum of 1: no mid; 2: no mtyp; 4: no pcol
+ *  @param[out] nindex        int32 [1], number of index values; 0: constant
+ *  @param[out] indexident    int32 [nindex], index identifiers of the state; pass 2, like all below
+ *  @param[out] indexval      double [nindex], index values of the state
+ *  @param[out] pid           int32 [npart], part identifiers
+ *  @param[out] title         text256 [npart], titles
+ *  @param[out] mid           int32 [npart], material identifier of each part; unless off has 1
+ *  @param[out] mtyp          int32 [npart], material type of each part; unless off has 2
+ *  @param[out] pcol          int32 [npart], colour number of each part; unless off has 4
+ *  @param[out] pvtyp         int32 [npart], further type code of each part
+ *  @param[out] filter_flags  int32 [1], filters of the last dataset read, see @ref filters; pass 2 only
+ *  @param[out] filter_params int32 [2], their parameters; pass 2 only
+ *  @param[out] status        int32 [1], 0 read; -1 invalid handle, not a parts block of this layout, or a part of it is
+ *                            missing; -3 another pass (the scalar items are filled in then); otherwise see @ref
+ *                            storage_codes (-6002: off asks for an array that is not there) */
 KOB_API void KOB1_READ_PARTS(const int64_t* block, const int32_t* pass, char* etyppart, int32_t* npart, int32_t* off,
                              int32_t* nindex, int32_t* indexident, double* indexval, int32_t* pid, char* title,
                              int32_t* mid, int32_t* mtyp, int32_t* pcol, int32_t* pvtyp, int32_t* filter_flags,
                              int32_t* filter_params, int32_t* status);
 
-/** Writes a block of the older layout; see KOB_WRITE_ATTRIBUTES(). */
+/** Writes titles and further identifiers of the entities of one type in the older layout, as KOB_WRITE_ATTRIBUTES()
+ *  writes them in the current one.
+ *
+ *  Titles have 256 characters and are always written.
+ *  @param[in]  group         int64 [1], group from KOB1_OPEN()
+ *  @param[in]  etyp          text256 [1], entity type name
+ *  @param[in]  nent          int32 [1], number of entities
+ *  @param[in]  nuid          int32 [1], number of further identifiers of each entity
+ *  @param[in]  nindex        int32 [1], number of index values, see @ref state_index; 0: constant
+ *  @param[in]  indexident    int32 [nindex], index identifiers of the state
+ *  @param[in]  indexval      double [nindex], index values of the state
+ *  @param[in]  entid         int32 [nent], entity identifiers
+ *  @param[in]  title         text256 [nent], titles
+ *  @param[in]  uid           int32 [nent, nuid], further identifiers; only if nuid is positive
+ *  @param[in]  state         int32 [1], state number of the path; negative: taken from indexident
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; bit 128 has no effect here
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  float_size    int32 [1], stored size of the doubles, see @ref value_size
+ *  @param[out] status        int32 [1], 0 written; -1 exists already; -8, -10 the group cannot be created, opened;
+ *                            otherwise see @ref storage_codes */
 KOB_API void KOB1_WRITE_ATTRIBUTES(const int64_t* group, const char* etyp, const int32_t* nent, const int32_t* nuid,
                                    const int32_t* nindex, const int32_t* indexident, const double* indexval,
                                    const int32_t* entid, const char* title, const int32_t* uid, const int32_t* state,
                                    const int32_t* filter_flags, const int32_t* filter_params, const int32_t* float_size,
                                    int32_t* status);
 
-/** Reads a block of the older layout; see KOB_READ_ATTRIBUTES(). */
+/** Reads the attributes of the entities of one type of the older layout.
+ *  @param[in]  block         int64 [1], group of the block
+ *  @param[in]  pass          int32 [1], 1: the scalar items; 2: everything
+ *  @param[out] etyp          text256 [1], entity type name
+ *  @param[out] nent          int32 [1], number of entities
+ *  @param[out] nuid          int32 [1], number of further identifiers of each entity
+ *  @param[out] nindex        int32 [1], number of index values; 0: constant
+ *  @param[out] indexident    int32 [nindex], index identifiers of the state; pass 2, like all below
+ *  @param[out] indexval      double [nindex], index values of the state
+ *  @param[out] entid         int32 [nent], entity identifiers
+ *  @param[out] title         text256 [nent], titles
+ *  @param[out] uid           int32 [nent, nuid], further identifiers; only if nuid is positive
+ *  @param[out] filter_flags  int32 [1], filters of the last dataset read, see @ref filters; pass 2 only
+ *  @param[out] filter_params int32 [2], their parameters; pass 2 only
+ *  @param[out] status        int32 [1], 0 read; -1 invalid handle, not an attributes block of this layout, or a part of
+ *                            it is missing; -3 another pass (the scalar items are filled in then); otherwise see @ref
+ *                            storage_codes */
 KOB_API void KOB1_READ_ATTRIBUTES(const int64_t* block, const int32_t* pass, char* etyp, int32_t* nent, int32_t* nuid,
                                   int32_t* nindex, int32_t* indexident, double* indexval, int32_t* entid, char* title,
                                   int32_t* uid, int32_t* filter_flags, int32_t* filter_params, int32_t* status);
 
-/** Writes a block of the older layout; see KOB_WRITE_CONNECTIVITIES(). */
+/** Writes the elements of one type in the older layout, as KOB_WRITE_CONNECTIVITIES() writes them in the current one.
+ *
+ *  The units of the floating-point parameters stand in the block; lenb is the sum of mbunit, lend that of mdunit.
+ *  @param[in]  group         int64 [1], group from KOB1_OPEN()
+ *  @param[in]  etypelem      text256 [1], element type name
+ *  @param[in]  etyppart      text256 [1], entity type name of the parts
+ *  @param[in]  etypnode      text256 [1], entity type name of the nodes
+ *  @param[in]  nele          int32 [1], number of elements
+ *  @param[in]  npele         int32 [1], nodes per element
+ *  @param[in]  ndim          int32 [1], dimension of the elements, stored as given
+ *  @param[in]  nbint         int32 [1], integer parameters per element
+ *  @param[in]  nbfloat       int32 [1], floating-point parameters per element
+ *  @param[in]  nindex        int32 [1], number of index values, see @ref state_index; 0: constant
+ *  @param[in]  indexident    int32 [nindex], index identifiers of the state
+ *  @param[in]  indexval      double [nindex], index values of the state
+ *  @param[in]  idele         int32 [nele], element identifiers
+ *  @param[in]  pid           int32 [nele], part identifier of each element
+ *  @param[in]  ic            int32 [nele, npele], node identifiers of each element
+ *  @param[in]  iparam        int32 [nele, nbint], integer parameters
+ *  @param[in]  fparam        double [nele, nbfloat], floating-point parameters
+ *  @param[in]  mbunit        int32 [nbfloat], number of base-unit factors of each floating-point parameter, see
+ *                            KOB_WRITE_VARIABLE()
+ *  @param[in]  mdunit        int32 [nbfloat], number of derived-unit factors of each floating-point parameter
+ *  @param[in]  ubid          int32 [lenb], base-unit identifiers of the factors
+ *  @param[in]  ubexp         double [lenb], their exponents
+ *  @param[in]  udid          int32 [lend], derived-unit identifiers of the factors
+ *  @param[in]  udexp         double [lend], their exponents
+ *  @param[in]  state         int32 [1], state number; negative: taken from indexident
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; bit 128 has no effect here
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  float_size    int32 [1], stored size of the doubles, see @ref value_size
+ *  @param[out] status        int32 [1], 0 written; -1 exists already; -8, -10 the group cannot be created, opened;
+ *                            otherwise see @ref storage_codes */
 KOB_API void KOB1_WRITE_CONNECTIVITIES(
     const int64_t* group, const char* etypelem, const char* etyppart, const char* etypnode, const int32_t* nele,
     const int32_t* npele, const int32_t* ndim, const int32_t* nbint, const int32_t* nbfloat, const int32_t* nindex,
@@ -2627,7 +2972,39 @@ KOB_API void KOB1_WRITE_CONNECTIVITIES(
     const double* ubexp, const int32_t* udid, const double* udexp, const int32_t* state, const int32_t* filter_flags,
     const int32_t* filter_params, const int32_t* float_size, int32_t* status);
 
-/** Reads a block of the older layout; see KOB_READ_CONNECTIVITIES(). */
+/** Reads the connectivities of one element type of the older layout.
+ *
+ *  lenb is the sum of mbunit, lend that of mdunit, which only pass 2 reads: provide enough room, or ask HDF5 for the
+ *  extents of "data/ubid" and "data/udid".
+ *  @param[in]  block         int64 [1], group of the block
+ *  @param[in]  pass          int32 [1], 1: the scalar items; 2: everything
+ *  @param[out] etypelem      text256 [1], element type name
+ *  @param[out] etyppart      text256 [1], entity type name of the parts
+ *  @param[out] etypnode      text256 [1], entity type name of the nodes
+ *  @param[out] nele          int32 [1], number of elements
+ *  @param[out] npele         int32 [1], nodes per element
+ *  @param[out] ndim          int32 [1], dimension of the elements
+ *  @param[out] nbint         int32 [1], integer parameters per element
+ *  @param[out] nbfloat       int32 [1], floating-point parameters per element
+ *  @param[out] nindex        int32 [1], number of index values; 0: constant
+ *  @param[out] indexident    int32 [nindex], index identifiers of the state; pass 2, like all below
+ *  @param[out] indexval      double [nindex], index values of the state
+ *  @param[out] idele         int32 [nele], element identifiers
+ *  @param[out] pid           int32 [nele], part identifier of each element
+ *  @param[out] ic            int32 [nele, npele], node identifiers of each element
+ *  @param[out] iparam        int32 [nele, nbint], integer parameters
+ *  @param[out] fparam        double [nele, nbfloat], floating-point parameters
+ *  @param[out] mbunit        int32 [nbfloat], number of base-unit factors of each floating-point parameter
+ *  @param[out] mdunit        int32 [nbfloat], number of derived-unit factors of each floating-point parameter
+ *  @param[out] ubid          int32 [lenb], base-unit identifiers of the factors
+ *  @param[out] ubexp         double [lenb], their exponents
+ *  @param[out] udid          int32 [lend], derived-unit identifiers of the factors
+ *  @param[out] udexp         double [lend], their exponents
+ *  @param[out] filter_flags  int32 [1], filters of "fparam", see @ref filters; 0 if there is none; pass 2 only
+ *  @param[out] filter_params int32 [2], their parameters; pass 2 only
+ *  @param[out] status        int32 [1], 0 read; -1 invalid handle, not a connectivities block of this layout, or a part
+ *                            of it is missing; -3 another pass (the scalar items are filled in then); otherwise see
+ *                            @ref storage_codes */
 KOB_API void KOB1_READ_CONNECTIVITIES(const int64_t* block, const int32_t* pass, char* etypelem, char* etyppart,
                                       char* etypnode, int32_t* nele, int32_t* npele, int32_t* ndim, int32_t* nbint,
                                       int32_t* nbfloat, int32_t* nindex, int32_t* indexident, double* indexval,
@@ -2635,31 +3012,122 @@ KOB_API void KOB1_READ_CONNECTIVITIES(const int64_t* block, const int32_t* pass,
                                       int32_t* mbunit, int32_t* mdunit, int32_t* ubid, double* ubexp, int32_t* udid,
                                       double* udexp, int32_t* filter_flags, int32_t* filter_params, int32_t* status);
 
-/** Writes a block of the older layout; see KOB_WRITE_COLLECTOR(). */
+/** Writes collectors in the older layout, as KOB_WRITE_COLLECTOR() writes them in the current one.
+ *
+ *  nenttot is the sum of nent.
+ *  @param[in]  group         int64 [1], group from KOB1_OPEN()
+ *  @param[in]  etypcoll      text256 [1], collector type name
+ *  @param[in]  ncoll         int32 [1], number of collectors
+ *  @param[in]  ntyp          int32 [1], number of member entity types
+ *  @param[in]  nindex        int32 [1], number of index values, see @ref state_index; 0: constant
+ *  @param[in]  indexident    int32 [nindex], index identifiers of the state
+ *  @param[in]  indexval      double [nindex], index values of the state
+ *  @param[in]  idcoll        int32 [ncoll], collector identifiers
+ *  @param[in]  etyp          text256 [ntyp], names of the member entity types
+ *  @param[in]  nent          int32 [ncoll, ntyp], number of members of each type in each collector
+ *  @param[in]  entid         int32 [nenttot], identifiers of the members
+ *  @param[in]  state         int32 [1], state number of the path; negative: taken from indexident
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; bit 128 has no effect here
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  float_size    int32 [1], stored size of the doubles, see @ref value_size
+ *  @param[out] status        int32 [1], 0 written; -1 exists already; -8, -10 the group cannot be created, opened;
+ *                            otherwise see @ref storage_codes */
 KOB_API void KOB1_WRITE_COLLECTOR(const int64_t* group, const char* etypcoll, const int32_t* ncoll, const int32_t* ntyp,
                                   const int32_t* nindex, const int32_t* indexident, const double* indexval,
                                   const int32_t* idcoll, const char* etyp, const int32_t* nent, const int32_t* entid,
                                   const int32_t* state, const int32_t* filter_flags, const int32_t* filter_params,
                                   const int32_t* float_size, int32_t* status);
 
-/** Reads a block of the older layout; see KOB_READ_COLLECTOR(). */
-KOB_API void KOB1_READ_COLLECTOR(const int64_t* block, const int32_t* mode, int32_t* nenttot, char* etypcoll,
+/** Reads collectors of the older layout.
+ *  @param[in]  block         int64 [1], group of the block
+ *  @param[in]  pass          int32 [1], 1: the scalar items; 2: everything
+ *  @param[out] nenttot       int32 [1], number of members of all collectors and types
+ *  @param[out] etypcoll      text256 [1], collector type name
+ *  @param[out] ncoll         int32 [1], number of collectors
+ *  @param[out] ntyp          int32 [1], number of member entity types
+ *  @param[out] nindex        int32 [1], number of index values; 0: constant
+ *  @param[out] indexident    int32 [nindex], index identifiers of the state; pass 2, like all below
+ *  @param[out] indexval      double [nindex], index values of the state
+ *  @param[out] idcoll        int32 [ncoll], collector identifiers
+ *  @param[out] etyp          text256 [ntyp], names of the member entity types
+ *  @param[out] nent          int32 [ncoll, ntyp], number of members of each type in each collector
+ *  @param[out] entid         int32 [nenttot], identifiers of the members
+ *  @param[out] filter_flags  int32 [1], filters of the last dataset read, see @ref filters; pass 2 only
+ *  @param[out] filter_params int32 [2], their parameters; pass 2 only
+ *  @param[out] status        int32 [1], 0 read; -1 invalid handle, not a collector block of this layout, or a part of
+ *                            it is missing; -3 another pass (the scalar items are filled in then); otherwise see @ref
+ *                            storage_codes */
+KOB_API void KOB1_READ_COLLECTOR(const int64_t* block, const int32_t* pass, int32_t* nenttot, char* etypcoll,
                                  int32_t* ncoll, int32_t* ntyp, int32_t* nindex, int32_t* indexident, double* indexval,
                                  int32_t* idcoll, char* etyp, int32_t* nent, int32_t* entid, int32_t* filter_flags,
                                  int32_t* filter_params, int32_t* status);
 
-/** Writes a block of the older layout; see KOB_WRITE_ACTIVFLAGS(). */
+/** Writes activation flags in the older layout, as KOB_WRITE_ACTIVFLAGS() writes them in the current one.
+ *  @param[in]  group         int64 [1], group from KOB1_OPEN()
+ *  @param[in]  etyp          text256 [1], entity type name
+ *  @param[in]  nent          int32 [1], number of entities
+ *  @param[in]  nindex        int32 [1], number of index values, see @ref state_index; 0: constant
+ *  @param[in]  indexident    int32 [nindex], index identifiers of the state
+ *  @param[in]  indexval      double [nindex], index values of the state
+ *  @param[in]  entid         int32 [nent], entity identifiers, any order
+ *  @param[in]  flags         int32 [nent], activation flag of each entity
+ *  @param[in]  state         int32 [1], state number of the path; negative: taken from indexident
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; bit 128 has no effect here
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  float_size    int32 [1], stored size of the doubles, see @ref value_size
+ *  @param[out] status        int32 [1], 0 written; -1 exists already; -8, -10 the group cannot be created, opened;
+ *                            otherwise see @ref storage_codes */
 KOB_API void KOB1_WRITE_ACTIVFLAGS(const int64_t* group, const char* etyp, const int32_t* nent, const int32_t* nindex,
                                    const int32_t* indexident, const double* indexval, const int32_t* entid,
                                    const int32_t* flags, const int32_t* state, const int32_t* filter_flags,
                                    const int32_t* filter_params, const int32_t* float_size, int32_t* status);
 
-/** Reads a block of the older layout; see KOB_READ_ACTIVFLAGS(). */
+/** Reads activation flags of the older layout.
+ *  @param[in]  block         int64 [1], group of the block
+ *  @param[in]  pass          int32 [1], 1: the scalar items; 2: everything
+ *  @param[out] etyp          text256 [1], entity type name
+ *  @param[out] nent          int32 [1], number of entities
+ *  @param[out] nindex        int32 [1], number of index values; 0: constant
+ *  @param[out] indexident    int32 [nindex], index identifiers of the state; pass 2, like all below
+ *  @param[out] indexval      double [nindex], index values of the state
+ *  @param[out] entid         int32 [nent], entity identifiers
+ *  @param[out] flags         int32 [nent], activation flag of each entity
+ *  @param[out] filter_flags  int32 [1], filters of "status", where the flags are stored, see @ref filters
+ *  @param[out] filter_params int32 [2], their parameters
+ *  @param[out] status        int32 [1], 0 read; -1 invalid handle, not an activation flags block of this layout, or a
+ *                            part of it is missing; -3 another pass (the scalar items are filled in then); otherwise
+ *                            see @ref storage_codes */
 KOB_API void KOB1_READ_ACTIVFLAGS(const int64_t* block, const int32_t* pass, char* etyp, int32_t* nent, int32_t* nindex,
                                   int32_t* indexident, double* indexval, int32_t* entid, int32_t* flags,
                                   int32_t* filter_flags, int32_t* filter_params, int32_t* status);
 
-/** Writes a block of the older layout; see KOB_WRITE_ENTITYRESULTS(). */
+/** Writes entity results of one state in the older layout, as KOB_WRITE_ENTITYRESULTS() writes them in the current one.
+ *  @param[in]  group         int64 [1], group from KOB1_OPEN()
+ *  @param[in]  etyp          text256 [1], entity type name
+ *  @param[in]  nent          int32 [1], number of entities
+ *  @param[in]  etypvar       text256 [1], name of the variable
+ *  @param[in]  ncoo          int32 [1], number of components
+ *  @param[in]  etypzone      text256 [1], zone name; blank: none
+ *  @param[in]  zoneid        int32 [1], zone number; negative: none
+ *  @param[in]  etypframe     text256 [1], name of the frame of the components
+ *  @param[in]  fswitch       int32 [1], 0: one frame, fidglob, for all; 1: a frame for each entity, fid
+ *  @param[in]  dmpswitch     int32 [1], 1: operator and weight are written; any other: they are not
+ *  @param[in]  nindex        int32 [1], number of index values, see @ref state_index; 0: constant
+ *  @param[in]  indexident    int32 [nindex], index identifiers of the state
+ *  @param[in]  indexval      double [nindex], index values of the state
+ *  @param[in]  entid         int32 [nent], entity identifiers
+ *  @param[in]  fidglob       int32 [1], frame identifier; fswitch 0 only
+ *  @param[in]  fid           int32 [nent], frame identifiers; fswitch 1 only
+ *  @param[in]  operator_     text256 [ncoo], combination operator of each component; dmpswitch 1 only
+ *  @param[in]  weight        double [nent], combination weight of each entity; dmpswitch 1 only
+ *  @param[in]  res           double [nent, ncoo(, 2)], values; complex with value_size 16 and 32
+ *  @param[in]  set           int32 [1], set number of the path; negative: none
+ *  @param[in]  state         int32 [1], state number of the path; negative: taken from indexident
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; of the doubles, bit 128 reaches res alone
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  value_size    int32 [1], see @ref value_size
+ *  @param[out] status        int32 [1], 0 written; -1 the block cannot be closed; -8, -10 the group cannot be created,
+ *                            opened; -123 fswitch is neither 0 nor 1; otherwise see @ref storage_codes */
 KOB_API void KOB1_WRITE_ENTITYRESULTS(const int64_t* group, const char* etyp, const int32_t* nent, const char* etypvar,
                                       const int32_t* ncoo, const char* etypzone, const int32_t* zoneid,
                                       const char* etypframe, const int32_t* fswitch, const int32_t* dmpswitch,
@@ -2669,7 +3137,32 @@ KOB_API void KOB1_WRITE_ENTITYRESULTS(const int64_t* group, const char* etyp, co
                                       const int32_t* set, const int32_t* state, const int32_t* filter_flags,
                                       const int32_t* filter_params, const int32_t* value_size, int32_t* status);
 
-/** Reads a block of the older layout; see KOB_READ_ENTITYRESULTS(). */
+/** Reads an entity results block of the older layout.
+ *  @param[in]  block         int64 [1], group of the block
+ *  @param[in]  pass          int32 [1], 1: the scalar items; 2: everything
+ *  @param[out] etyp          text256 [1], entity type name
+ *  @param[out] nent          int32 [1], number of entities
+ *  @param[out] etypvar       text256 [1], name of the variable
+ *  @param[out] ncoo          int32 [1], number of components
+ *  @param[out] etypzone      text256 [1], zone name
+ *  @param[out] zoneid        int32 [1], zone number
+ *  @param[out] etypframe     text256 [1], name of the frame of the components
+ *  @param[out] fswitch       int32 [1], 0: one frame, fidglob, for all; 1: a frame for each entity, fid
+ *  @param[out] dmpswitch     int32 [1], 1: the block holds operator and weight
+ *  @param[out] nindex        int32 [1], number of index values; 0: constant
+ *  @param[out] indexident    int32 [nindex], index identifiers of the state; pass 2
+ *  @param[out] indexval      double [nindex], index values of the state; pass 2
+ *  @param[out] entid         int32 [nent], entity identifiers; pass 2, like all below
+ *  @param[out] fidglob       int32 [1], frame identifier; fswitch 0 only
+ *  @param[out] fid           int32 [nent], frame identifiers; fswitch 1 only
+ *  @param[out] operator_     text256 [ncoo], combination operators; dmpswitch 1 only
+ *  @param[out] weight        double [nent], combination weights; dmpswitch 1 only
+ *  @param[out] res           double [nent, ncoo(, 2)], values; complex if the status is 1001
+ *  @param[out] filter_flags  int32 [1], filters of "res", see @ref filters
+ *  @param[out] filter_params int32 [2], their parameters
+ *  @param[out] status        int32 [1], 1000 read, real; 1001 read, complex; -1 invalid handle, not an entity results
+ *                            block of this layout, or a part of it is missing; -3 another pass; -123 fswitch is neither
+ *                            0 nor 1; otherwise see @ref storage_codes */
 KOB_API void KOB1_READ_ENTITYRESULTS(const int64_t* block, const int32_t* pass, char* etyp, int32_t* nent,
                                      char* etypvar, int32_t* ncoo, char* etypzone, int32_t* zoneid, char* etypframe,
                                      int32_t* fswitch, int32_t* dmpswitch, int32_t* nindex, int32_t* indexident,
@@ -2677,7 +3170,42 @@ KOB_API void KOB1_READ_ENTITYRESULTS(const int64_t* block, const int32_t* pass, 
                                      double* weight, double* res, int32_t* filter_flags, int32_t* filter_params,
                                      int32_t* status);
 
-/** Writes a block of the older layout; see KOB_WRITE_ENTITYRESULTS2(). */
+/** Writes sections of an entity results block of the older layout into a group that the caller opened, as
+ *  KOB_WRITE_ENTITYRESULTS2() does in the current one.
+ *
+ *  The places "header", "data" and "index" are created when something goes there; the shared group of section bit 16
+ *  has none, its datasets are linked into "data". In pieces rank is 2, of complex values 3.
+ *  @param[in]  groups        int64 [2], group of the block, from KOB1_OPENAUTOPATH(); shared group, read with section
+ *                            bit 16 only (one handle is enough without)
+ *  @param[in]  sections      int32 [1], section bits 1, 2, 4, 8, 16, see @ref sections
+ *  @param[in]  unused3       unused [1], not read
+ *  @param[in]  etyp          text256 [1], entity type name
+ *  @param[in]  nent          int32 [1], number of entities
+ *  @param[in]  etypvar       text256 [1], name of the variable
+ *  @param[in]  ncoo          int32 [1], number of components
+ *  @param[in]  etypzone      text256 [1], zone name
+ *  @param[in]  zoneid        int32 [1], zone number
+ *  @param[in]  etypframe     text256 [1], name of the frame of the components
+ *  @param[in]  fswitch       int32 [1], 0: one frame, fidglob, for all; 1: a frame for each entity, fid
+ *  @param[in]  dmpswitch     int32 [1], 1: operator and weight are written; any other: they are not
+ *  @param[in]  nindex        int32 [1], number of index values; 0: constant
+ *  @param[in]  indexident    int32 [nindex], index identifiers of the state
+ *  @param[in]  indexval      double [nindex], index values of the state, always 8-byte
+ *  @param[in]  entid         int32 [nent], entity identifiers
+ *  @param[in]  fidglob       int32 [1], frame identifier; fswitch 0 only
+ *  @param[in]  fid           int32 [nent], frame identifiers; fswitch 1 only
+ *  @param[in]  operator_     text256 [ncoo], combination operator of each component; dmpswitch 1 only
+ *  @param[in]  weight        double [nent], combination weights, always 8-byte; dmpswitch 1 only
+ *  @param[in]  res           real [nent, ncoo(, 2)], values; with mode 1 [count], with mode 2 [number of points]
+ *  @param[in]  memory_size   int32 [1], size of the numbers in res: 4 or 8
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; of the floating-point data, bit 128 reaches res alone
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  value_size    int32 [1], see @ref value_size
+ *  @param[in]  mode          int32 [1], 0: the whole table; 1: a block of it; 2: single values
+ *  @param[in]  count         int64 [rank], mode 1: extents of the block; mode 2: [1], number of points
+ *  @param[in]  start         int64 [rank], mode 1: first row, first column; mode 2: [points, rank], coordinates
+ *  @param[out] status        int32 [1], 0 written; a negative handle; -123 fswitch is neither 0 nor 1; -999 unknown
+ *                            mode; otherwise see @ref storage_codes (-6031, -6032: outside of the table) */
 KOB_API void KOB1_WRITE_ENTITYRESULTS2(const int64_t* groups, const int32_t* sections, const void* unused3,
                                        const char* etyp, const int32_t* nent, const char* etypvar, const int32_t* ncoo,
                                        const char* etypzone, const int32_t* zoneid, const char* etypframe,
@@ -2689,7 +3217,40 @@ KOB_API void KOB1_WRITE_ENTITYRESULTS2(const int64_t* groups, const int32_t* sec
                                        const int32_t* value_size, const int32_t* mode, const int64_t* count,
                                        const int64_t* start, int32_t* status);
 
-/** Reads a block of the older layout; see KOB_READ_ENTITYRESULTS2(). */
+/** Reads sections of an entity results block of the older layout, the whole table or pieces of it.
+ *
+ *  Without section bit 1 the counts and switches are inputs. In pieces rank is 2, of complex values 3.
+ *  @param[in]     block         int64 [1], group of the block
+ *  @param[in]     sections      int32 [1], section bits 1, 2, 4, 8, see @ref sections
+ *  @param[in]     unused3       unused [1], not read
+ *  @param[out]    etyp          text256 [1], entity type name
+ *  @param[in,out] nent          int32 [1], number of entities
+ *  @param[out]    etypvar       text256 [1], name of the variable
+ *  @param[in,out] ncoo          int32 [1], number of components
+ *  @param[out]    etypzone      text256 [1], zone name
+ *  @param[out]    zoneid        int32 [1], zone number
+ *  @param[out]    etypframe     text256 [1], name of the frame of the components
+ *  @param[in,out] fswitch       int32 [1], 0: one frame, fidglob, for all; 1: a frame for each entity, fid
+ *  @param[in,out] dmpswitch     int32 [1], 1: the block holds operator and weight
+ *  @param[in,out] nindex        int32 [1], number of index values; 0: constant
+ *  @param[out]    indexident    int32 [nindex], index identifiers of the state
+ *  @param[out]    indexval      double [nindex], index values of the state, always 8-byte
+ *  @param[out]    entid         int32 [nent], entity identifiers
+ *  @param[out]    fidglob       int32 [1], frame identifier; fswitch 0 only
+ *  @param[out]    fid           int32 [nent], frame identifiers; fswitch 1 only
+ *  @param[out]    operator_     text256 [ncoo], combination operators; dmpswitch 1 only
+ *  @param[out]    weight        double [nent], combination weights, always 8-byte; dmpswitch 1 only
+ *  @param[out]    res           real [nent, ncoo(, 2)], values; with mode 1 [count], with mode 2 [number of points]
+ *  @param[in]     memory_size   int32 [1], size of the numbers in res: 4 or 8
+ *  @param[out]    filter_flags  int32 [1], filters of "res", see @ref filters; section bit 8 only
+ *  @param[out]    filter_params int32 [2], their parameters; section bit 8 only
+ *  @param[in]     mode          int32 [1], 0: the whole table; 1: a block of it; 2: single values
+ *  @param[in]     count         int64 [rank], mode 1: extents of the block; mode 2: [1], number of points
+ *  @param[in]     start         int64 [rank], mode 1: first row, first column; mode 2: [points, rank], coordinates
+ *  @param[out]    status        int32 [1], 1000 read, real; 1001 read, complex; -1 invalid handle, not an entity
+ *                               results block of this layout, or a part of it is missing; -123 fswitch is neither 0 nor
+ *                               1; -999 unknown mode; otherwise see @ref storage_codes (-6031, -6032: outside of the
+ *                               table) */
 KOB_API void KOB1_READ_ENTITYRESULTS2(const int64_t* block, const int32_t* sections, const void* unused3, char* etyp,
                                       int32_t* nent, char* etypvar, int32_t* ncoo, char* etypzone, int32_t* zoneid,
                                       char* etypframe, int32_t* fswitch, int32_t* dmpswitch, int32_t* nindex,
@@ -2698,7 +3259,38 @@ KOB_API void KOB1_READ_ENTITYRESULTS2(const int64_t* block, const int32_t* secti
                                       const int32_t* memory_size, int32_t* filter_flags, int32_t* filter_params,
                                       const int32_t* mode, const int64_t* count, const int64_t* start, int32_t* status);
 
-/** Writes a block of the older layout; see KOB_WRITE_ELEMENTRESULTS(). */
+/** Writes element results of one state in the older layout, as KOB_WRITE_ELEMENTRESULTS() writes them in the current
+ *  one.
+ *  @param[in]  group         int64 [1], group from KOB1_OPEN()
+ *  @param[in]  etypelem      text256 [1], element type name
+ *  @param[in]  nele          int32 [1], number of elements
+ *  @param[in]  etypvar       text256 [1], name of the variable
+ *  @param[in]  ncoo          int32 [1], number of components
+ *  @param[in]  numl          int32 [1], number of locations in each element
+ *  @param[in]  ndim          int32 [1], number of coordinates of a location
+ *  @param[in]  etypzone      text256 [1], zone name; blank: none
+ *  @param[in]  zoneid        int32 [1], zone number; negative: none
+ *  @param[in]  etypframe     text256 [1], name of the frame of the components
+ *  @param[in]  fswitch       int32 [1], 0: one frame, fidglob, for all; 1: a frame for each element, fid; 2: a frame
+ *                            for each element and location, fid
+ *  @param[in]  dmpswitch     int32 [1], 1: operator and weight are written; any other: they are not
+ *  @param[in]  nindex        int32 [1], number of index values, see @ref state_index; 0: constant
+ *  @param[in]  indexident    int32 [nindex], index identifiers of the state
+ *  @param[in]  indexval      double [nindex], index values of the state
+ *  @param[in]  idele         int32 [nele], element identifiers
+ *  @param[in]  fidglob       int32 [1], frame identifier; fswitch 0 only
+ *  @param[in]  fid           int32 [nele] or [nele, numl], frame identifiers; fswitch 1 or 2 only
+ *  @param[in]  eloc          double [numl, ndim], coordinates of the locations
+ *  @param[in]  operator_     text256 [ncoo], combination operator of each component; dmpswitch 1 only
+ *  @param[in]  weight        double [nele], combination weight of each element; dmpswitch 1 only
+ *  @param[in]  res           double [nele, numl, ncoo(, 2)], values; complex with value_size 16 and 32
+ *  @param[in]  set           int32 [1], set number of the path; negative: none
+ *  @param[in]  state         int32 [1], state number of the path; negative: taken from indexident
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; of the doubles, bit 128 reaches res alone
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  value_size    int32 [1], see @ref value_size
+ *  @param[out] status        int32 [1], 0 written; -8, -10 the group cannot be created, opened; -123 fswitch is neither
+ *                            0, 1 nor 2; otherwise see @ref storage_codes */
 KOB_API void KOB1_WRITE_ELEMENTRESULTS(
     const int64_t* group, const char* etypelem, const int32_t* nele, const char* etypvar, const int32_t* ncoo,
     const int32_t* numl, const int32_t* ndim, const char* etypzone, const int32_t* zoneid, const char* etypframe,
@@ -2707,7 +3299,36 @@ KOB_API void KOB1_WRITE_ELEMENTRESULTS(
     const char* operator_, const double* weight, const double* res, const int32_t* set, const int32_t* state,
     const int32_t* filter_flags, const int32_t* filter_params, const int32_t* value_size, int32_t* status);
 
-/** Reads a block of the older layout; see KOB_READ_ELEMENTRESULTS(). */
+/** Reads an element results block of the older layout.
+ *  @param[in]  block         int64 [1], group of the block
+ *  @param[in]  pass          int32 [1], 1: the scalar items; 2: everything
+ *  @param[out] etypelem      text256 [1], element type name
+ *  @param[out] nele          int32 [1], number of elements
+ *  @param[out] etypvar       text256 [1], name of the variable
+ *  @param[out] ncoo          int32 [1], number of components
+ *  @param[out] numl          int32 [1], number of locations in each element
+ *  @param[out] ndim          int32 [1], number of coordinates of a location
+ *  @param[out] etypzone      text256 [1], zone name
+ *  @param[out] zoneid        int32 [1], zone number
+ *  @param[out] etypframe     text256 [1], name of the frame of the components
+ *  @param[out] fswitch       int32 [1], 0: one frame, fidglob, for all; 1: a frame for each element, fid; 2: a frame
+ *                            for each element and location, fid
+ *  @param[out] dmpswitch     int32 [1], 1: the block holds operator and weight
+ *  @param[out] nindex        int32 [1], number of index values; 0: constant
+ *  @param[out] indexident    int32 [nindex], index identifiers of the state; pass 2
+ *  @param[out] indexval      double [nindex], index values of the state; pass 2
+ *  @param[out] idele         int32 [nele], element identifiers; pass 2, like all below
+ *  @param[out] fidglob       int32 [1], frame identifier; fswitch 0 only
+ *  @param[out] fid           int32 [nele] or [nele, numl], frame identifiers; fswitch 1 or 2 only
+ *  @param[out] eloc          double [numl, ndim], coordinates of the locations
+ *  @param[out] operator_     text256 [ncoo], combination operator of each component; dmpswitch 1 only
+ *  @param[out] weight        double [nele], combination weight of each element; dmpswitch 1 only
+ *  @param[out] res           double [nele, numl, ncoo(, 2)], values; complex if the status is 1101
+ *  @param[out] filter_flags  int32 [1], filters of "res", see @ref filters
+ *  @param[out] filter_params int32 [2], their parameters
+ *  @param[out] status        int32 [1], 1100 read, real; 1101 read, complex; -1 invalid handle, not an element results
+ *                            block of this layout, or a part of it is missing; -3 another pass (nothing is read); -123
+ *                            fswitch is neither 0, 1 nor 2; otherwise see @ref storage_codes */
 KOB_API void KOB1_READ_ELEMENTRESULTS(const int64_t* block, const int32_t* pass, char* etypelem, int32_t* nele,
                                       char* etypvar, int32_t* ncoo, int32_t* numl, int32_t* ndim, char* etypzone,
                                       int32_t* zoneid, char* etypframe, int32_t* fswitch, int32_t* dmpswitch,
@@ -2715,7 +3336,39 @@ KOB_API void KOB1_READ_ELEMENTRESULTS(const int64_t* block, const int32_t* pass,
                                       int32_t* fidglob, int32_t* fid, double* eloc, char* operator_, double* weight,
                                       double* res, int32_t* filter_flags, int32_t* filter_params, int32_t* status);
 
-/** Writes a block of the older layout; see KOB_WRITE_MULTIENTITYRESULTS(). */
+/** Writes states of a series of entity results in the older layout, as KOB_WRITE_MULTIENTITYRESULTS() does in the
+ *  current one.
+ *
+ *  states is the number of states that the state argument names.
+ *  @param[in]  group         int64 [1], group from KOB1_OPEN()
+ *  @param[in]  series        text256 [1], name of the series of states, leads the path
+ *  @param[in]  etyp          text256 [1], entity type name
+ *  @param[in]  nent          int32 [1], number of entities
+ *  @param[in]  etypvar       text256 [1], name of the variable
+ *  @param[in]  ncoo          int32 [1], number of components
+ *  @param[in]  etypzone      text256 [1], zone name; blank: none
+ *  @param[in]  zoneid        int32 [1], zone number; negative: none
+ *  @param[in]  etypframe     text256 [1], name of the frame of the components
+ *  @param[in]  fswitch       int32 [1], 0: one frame, fidglob, for all; 1: a frame for each entity, fid
+ *  @param[in]  dmpswitch     int32 [1], 1: operator and weight are written; any other: they are not
+ *  @param[in]  nindex        int32 [1], number of index values of a state
+ *  @param[in]  indexident    int32 [states, nindex], index identifiers of each state written
+ *  @param[in]  indexval      real [states, nindex], index values of each state written
+ *  @param[in]  entid         int32 [nent], entity identifiers
+ *  @param[in]  fidglob       int32 [1], frame identifier; fswitch 0 only
+ *  @param[in]  fid           int32 [nent], frame identifiers; fswitch 1 only
+ *  @param[in]  operator_     text256 [ncoo], combination operator of each component; dmpswitch 1 only
+ *  @param[in]  weight        real [nent], combination weight of each entity; dmpswitch 1 only
+ *  @param[in]  res           real [states, nent, ncoo(, 2)], values; complex with value_size 16 and 32
+ *  @param[in]  set           int32 [1], set number of the path; negative: none
+ *  @param[in]  state         int32 [1], s >= 0: the arrays hold s states, written to rows 0 to s - 1; s < 0: they hold
+ *                            one state, written to row -s
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; of the floating-point data, bit 128 reaches res alone
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  value_size    int32 [1], see @ref value_size; plus 1024: indexval, weight and res are 4-byte numbers in
+ *                            memory
+ *  @param[out] status        int32 [1], 0 written; -1 the group cannot be closed; -8, -10 the group cannot be created,
+ *                            opened; -123 fswitch is neither 0 nor 1; otherwise see @ref storage_codes */
 KOB_API void KOB1_WRITE_MULTIENTITYRESULTS(const int64_t* group, const char* series, const char* etyp,
                                            const int32_t* nent, const char* etypvar, const int32_t* ncoo,
                                            const char* etypzone, const int32_t* zoneid, const char* etypframe,
@@ -2726,7 +3379,34 @@ KOB_API void KOB1_WRITE_MULTIENTITYRESULTS(const int64_t* group, const char* ser
                                            const int32_t* state, const int32_t* filter_flags,
                                            const int32_t* filter_params, const int32_t* value_size, int32_t* status);
 
-/** Reads a block of the older layout; see KOB_READ_MULTIENTITYRESULTS(). */
+/** Reads a series of entity results of the older layout with all its states.
+ *  @param[in]  block         int64 [1], group of the block
+ *  @param[in]  pass          int32 [1], 1: the scalar items; 2: everything
+ *  @param[out] series        text256 [1], name of the series of states
+ *  @param[out] etyp          text256 [1], entity type name
+ *  @param[out] nent          int32 [1], number of entities
+ *  @param[out] etypvar       text256 [1], name of the variable
+ *  @param[out] ncoo          int32 [1], number of components
+ *  @param[out] etypzone      text256 [1], zone name
+ *  @param[out] zoneid        int32 [1], zone number
+ *  @param[out] etypframe     text256 [1], name of the frame of the components
+ *  @param[out] fswitch       int32 [1], 0: one frame, fidglob, for all; 1: a frame for each entity, fid
+ *  @param[out] dmpswitch     int32 [1], 1: the block holds operator and weight
+ *  @param[out] nindex        int32 [1], number of index values of a state
+ *  @param[out] nstate        int32 [1], number of state rows
+ *  @param[out] indexident    int32 [nstate, nindex], index identifiers of each state; pass 2
+ *  @param[out] indexval      double [nstate, nindex], index values of each state; pass 2
+ *  @param[out] entid         int32 [nent], entity identifiers; pass 2, like all below
+ *  @param[out] fidglob       int32 [1], frame identifier; fswitch 0 only
+ *  @param[out] fid           int32 [nent], frame identifiers; fswitch 1 only
+ *  @param[out] operator_     text256 [ncoo], combination operator of each component; dmpswitch 1 only
+ *  @param[out] weight        double [nent], combination weight of each entity; dmpswitch 1 only
+ *  @param[out] res           double [nstate, nent, ncoo(, 2)], values; complex if the status is 1051
+ *  @param[out] filter_flags  int32 [1], filters of "res", see @ref filters
+ *  @param[out] filter_params int32 [2], their parameters
+ *  @param[out] status        int32 [1], 1050 read, real; 1051 read, complex; -1 invalid handle, not a block of
+ *                            multi-state entity results of this layout, or a part of it is missing; -3 another pass;
+ *                            -123 fswitch is neither 0 nor 1; otherwise see @ref storage_codes */
 KOB_API void KOB1_READ_MULTIENTITYRESULTS(const int64_t* block, const int32_t* pass, char* series, char* etyp,
                                           int32_t* nent, char* etypvar, int32_t* ncoo, char* etypzone, int32_t* zoneid,
                                           char* etypframe, int32_t* fswitch, int32_t* dmpswitch, int32_t* nindex,
@@ -2734,7 +3414,47 @@ KOB_API void KOB1_READ_MULTIENTITYRESULTS(const int64_t* block, const int32_t* p
                                           int32_t* fidglob, int32_t* fid, char* operator_, double* weight, double* res,
                                           int32_t* filter_flags, int32_t* filter_params, int32_t* status);
 
-/** Writes a block of the older layout; see KOB_WRITE_MULTIENTITYRESULTS2(). */
+/** Writes states of a series of entity results of the older layout into a group that the caller opened, as
+ *  KOB_WRITE_MULTIENTITYRESULTS2() does in the current one.
+ *
+ *  states is the number of states that state or the selection names. rank is 3, of complex values 4; state rows count
+ *  from the first state of the block.
+ *  @param[in]  groups        int64 [2], group of the block, from KOB1_OPENAUTOPATH(); the second one is not read
+ *  @param[in]  unused2       unused [1], not read
+ *  @param[in]  unused3       unused [1], not read
+ *  @param[in]  series        text256 [1], name of the series of states
+ *  @param[in]  etyp          text256 [1], entity type name
+ *  @param[in]  nent          int32 [1], number of entities
+ *  @param[in]  etypvar       text256 [1], name of the variable
+ *  @param[in]  ncoo          int32 [1], number of components
+ *  @param[in]  etypzone      text256 [1], zone name; blank: none
+ *  @param[in]  zoneid        int32 [1], zone number; negative: none
+ *  @param[in]  etypframe     text256 [1], name of the frame of the components
+ *  @param[in]  fswitch       int32 [1], 0: one frame, fidglob, for all; 1: a frame for each entity, fid
+ *  @param[in]  dmpswitch     int32 [1], 1: operator and weight are written; any other: they are not
+ *  @param[in]  nindex        int32 [1], number of index values of a state
+ *  @param[in]  indexident    int32 [states, nindex], index identifiers of each state written, see
+ *                            KOB_WRITE_MULTIENTITYRESULTC()
+ *  @param[in]  indexval      real [states, nindex], index values of each state written
+ *  @param[in]  entid         int32 [nent], entity identifiers
+ *  @param[in]  fidglob       int32 [1], frame identifier; fswitch 0 only
+ *  @param[in]  fid           int32 [nent], frame identifiers; fswitch 1 only
+ *  @param[in]  operator_     text256 [ncoo], combination operator of each component; dmpswitch 1 only
+ *  @param[in]  weight        real [nent], combination weight of each entity; dmpswitch 1 only
+ *  @param[in]  res           real [states, nent, ncoo(, 2)], values; with mode 1 [count], with mode 2 [number of
+ *                            points]
+ *  @param[in]  memory_size   int32 [1], size of the numbers in indexval, weight and res: 4 or 8
+ *  @param[in]  state         int32 [1], mode 0: number of states, written to rows 0 to state - 1; else not used
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; of the floating-point data, bit 128 reaches res alone
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  value_size    int32 [1], see @ref value_size
+ *  @param[in]  mode          int32 [1], 0: whole states; 1: a block of values; 2: single values
+ *  @param[in]  count         int64 [rank], mode 1: extents of the block of values; mode 2: [1], number of points
+ *  @param[in]  start         int64 [rank], mode 1: first state row, first entity, first component; mode 2: [points,
+ *                            rank], coordinates
+ *  @param[out] nstate        int32 [1], number of state rows that the block holds now
+ *  @param[out] status        int32 [1], 0 written; a negative handle; -123 fswitch is neither 0 nor 1; -999 unknown
+ *                            mode, or mode 0 with a negative state; otherwise see @ref storage_codes */
 KOB_API void KOB1_WRITE_MULTIENTITYRESULTS2(
     const int64_t* groups, const void* unused2, const void* unused3, const char* series, const char* etyp,
     const int32_t* nent, const char* etypvar, const int32_t* ncoo, const char* etypzone, const int32_t* zoneid,
@@ -2744,7 +3464,43 @@ KOB_API void KOB1_WRITE_MULTIENTITYRESULTS2(
     const int32_t* filter_flags, const int32_t* filter_params, const int32_t* value_size, const int32_t* mode,
     const int64_t* count, const int64_t* start, int32_t* nstate, int32_t* status);
 
-/** Reads a block of the older layout; see KOB_READ_MULTIENTITYRESULTS2(). */
+/** Reads sections of a series of entity results of the older layout, all states or pieces.
+ *
+ *  rank is 3, of complex values 4.
+ *  @param[in]     block         int64 [1], group of the block
+ *  @param[in]     sections      int32 [1], section bits 1, 2, 4, 8, see @ref sections
+ *  @param[in]     unused3       unused [1], not read
+ *  @param[out]    series        text256 [1], name of the series of states
+ *  @param[out]    etyp          text256 [1], entity type name
+ *  @param[in,out] nent          int32 [1], number of entities
+ *  @param[out]    etypvar       text256 [1], name of the variable
+ *  @param[in,out] ncoo          int32 [1], number of components
+ *  @param[out]    etypzone      text256 [1], zone name
+ *  @param[out]    zoneid        int32 [1], zone number
+ *  @param[out]    etypframe     text256 [1], name of the frame of the components
+ *  @param[in,out] fswitch       int32 [1], 0: one frame, fidglob, for all; 1: a frame for each entity, fid
+ *  @param[in,out] dmpswitch     int32 [1], 1: the block holds operator and weight
+ *  @param[in,out] nindex        int32 [1], number of index values of a state
+ *  @param[in,out] nstate        int32 [1], number of state rows
+ *  @param[out]    indexident    int32 [nstate, nindex], index identifiers of each state
+ *  @param[out]    indexval      real [nstate, nindex], index values of each state
+ *  @param[out]    entid         int32 [nent], entity identifiers
+ *  @param[out]    fidglob       int32 [1], frame identifier; fswitch 0 only
+ *  @param[out]    fid           int32 [nent], frame identifiers; fswitch 1 only
+ *  @param[out]    operator_     text256 [ncoo], combination operator of each component; dmpswitch 1 only
+ *  @param[out]    weight        real [nent], combination weight of each entity; dmpswitch 1 only
+ *  @param[out]    res           real [nstate, nent, ncoo(, 2)], values; with mode 1 [count], with mode 2 [number of
+ *                               points]
+ *  @param[in]     memory_size   int32 [1], size of the numbers in indexval, weight and res: 4 or 8
+ *  @param[out]    filter_flags  int32 [1], filters of "res", see @ref filters; section bit 8 only
+ *  @param[out]    filter_params int32 [2], their parameters
+ *  @param[in]     mode          int32 [1], 0: all states; 1: a block of values; 2: single values
+ *  @param[in]     count         int64 [rank], mode 1: extents of the block of values; mode 2: [1], number of points
+ *  @param[in]     start         int64 [rank], mode 1: first state row, first entity, first component; mode 2: [points,
+ *                               rank], coordinates
+ *  @param[out]    status        int32 [1], 1050 read, real; 1051 read, complex; -1 invalid handle, not a block of
+ *                               multi-state entity results of this layout, or a part of it is missing; -123 fswitch is
+ *                               neither 0 nor 1; -999 unknown mode; otherwise see @ref storage_codes */
 KOB_API void KOB1_READ_MULTIENTITYRESULTS2(const int64_t* block, const int32_t* sections, const void* unused3,
                                            char* series, char* etyp, int32_t* nent, char* etypvar, int32_t* ncoo,
                                            char* etypzone, int32_t* zoneid, char* etypframe, int32_t* fswitch,
@@ -2754,7 +3510,45 @@ KOB_API void KOB1_READ_MULTIENTITYRESULTS2(const int64_t* block, const int32_t* 
                                            int32_t* filter_flags, int32_t* filter_params, const int32_t* mode,
                                            const int64_t* count, const int64_t* start, int32_t* status);
 
-/** Writes a block of the older layout; see KOB_WRITE_MULTIENTITYRESULTC(). */
+/** Writes whole states or pieces of a series of entity results in the older layout, as KOB_WRITE_MULTIENTITYRESULTC()
+ *  does in the current one.
+ *
+ *  states is the number of states that state or the selection names. rank is 3, of complex values 4; state rows count
+ *  from the first state of the block.
+ *  @param[in]  group         int64 [1], group from KOB1_OPEN()
+ *  @param[in]  series        text256 [1], name of the series of states, leads the path
+ *  @param[in]  etyp          text256 [1], entity type name
+ *  @param[in]  nent          int32 [1], number of entities
+ *  @param[in]  etypvar       text256 [1], name of the variable
+ *  @param[in]  ncoo          int32 [1], number of components
+ *  @param[in]  etypzone      text256 [1], zone name; blank: none
+ *  @param[in]  zoneid        int32 [1], zone number; negative: none
+ *  @param[in]  etypframe     text256 [1], name of the frame of the components
+ *  @param[in]  fswitch       int32 [1], 0: one frame, fidglob, for all; 1: a frame for each entity, fid
+ *  @param[in]  dmpswitch     int32 [1], 1: operator and weight are written; any other: they are not
+ *  @param[in]  nindex        int32 [1], number of index values of a state
+ *  @param[in]  indexident    int32 [states, nindex], index identifiers of each state written
+ *  @param[in]  indexval      real [states, nindex], index values of each state written
+ *  @param[in]  entid         int32 [nent], entity identifiers
+ *  @param[in]  fidglob       int32 [1], frame identifier; fswitch 0 only
+ *  @param[in]  fid           int32 [nent], frame identifiers; fswitch 1 only
+ *  @param[in]  operator_     text256 [ncoo], combination operator of each component; dmpswitch 1 only
+ *  @param[in]  weight        real [nent], combination weight of each entity; dmpswitch 1 only
+ *  @param[in]  res           real [states, nent, ncoo(, 2)], values; with a selection [count], or [number of points]
+ *  @param[in]  set           int32 [1], set number of the path; negative: none
+ *  @param[in]  state         int32 [1], see KOB_WRITE_MULTIENTITYRESULTS(); negative with mode 1 or 2: the selection
+ *                            counts
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; of the floating-point data, bit 128 reaches res alone
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  value_size    int32 [1], see @ref value_size; plus 1024: indexval, weight and res are 4-byte numbers in
+ *                            memory
+ *  @param[in]  mode          int32 [1], 0: whole states; 1: a block of values; 2: single values
+ *  @param[in]  count         int64 [rank], mode 1: extents of the block of values; mode 2: [1], number of points
+ *  @param[in]  start         int64 [rank], mode 1: first state row, first entity, first component; mode 2: [points,
+ *                            rank], coordinates
+ *  @param[out] status        int32 [1], 0 written; -1 the group cannot be closed; -8, -10 the group cannot be created,
+ *                            opened; -123 fswitch is neither 0 nor 1; -999 unknown mode; otherwise see @ref
+ *                            storage_codes */
 KOB_API void KOB1_WRITE_MULTIENTITYRESULTC(const int64_t* group, const char* series, const char* etyp,
                                            const int32_t* nent, const char* etypvar, const int32_t* ncoo,
                                            const char* etypzone, const int32_t* zoneid, const char* etypframe,
@@ -2766,7 +3560,45 @@ KOB_API void KOB1_WRITE_MULTIENTITYRESULTC(const int64_t* group, const char* ser
                                            const int32_t* filter_params, const int32_t* value_size, const int32_t* mode,
                                            const int64_t* count, const int64_t* start, int32_t* status);
 
-/** Reads a block of the older layout; see KOB_READ_MULTIENTITYRESULTC(). */
+/** Reads a series of entity results of the older layout, whole or by state or in pieces.
+ *
+ *  1024 added to the pass means that indexval, weight and res are 4-byte numbers in memory. Pass 1 reads the scalar
+ *  items, 2 everything; 3, with counts and switches as inputs, res: with mode 0 the state row that nstate says, else
+ *  the selection; 4 the same and its index rows, with mode 0 one, with mode 1 count[0], with mode 2 one for each point;
+ *  5, with counts and switches as inputs, entid to weight. rank is 3, of complex values 4.
+ *  @param[in]     block         int64 [1], group of the block
+ *  @param[in]     pass          int32 [1], 1 to 5, plus 1024 for 4-byte numbers
+ *  @param[out]    series        text256 [1], name of the series of states
+ *  @param[out]    etyp          text256 [1], entity type name
+ *  @param[in,out] nent          int32 [1], number of entities
+ *  @param[out]    etypvar       text256 [1], name of the variable
+ *  @param[in,out] ncoo          int32 [1], number of components
+ *  @param[out]    etypzone      text256 [1], zone name
+ *  @param[out]    zoneid        int32 [1], zone number
+ *  @param[out]    etypframe     text256 [1], name of the frame of the components
+ *  @param[in,out] fswitch       int32 [1], 0: one frame, fidglob, for all; 1: a frame for each entity, fid
+ *  @param[in,out] dmpswitch     int32 [1], 1: the block holds operator and weight
+ *  @param[in,out] nindex        int32 [1], number of index values of a state
+ *  @param[in,out] nstate        int32 [1], number of state rows; pass 3 and 4: the state row to read, from 0
+ *  @param[out]    indexident    int32 [nstate, nindex], index identifiers of each state; pass 2 and 4
+ *  @param[out]    indexval      real [nstate, nindex], index values of each state; pass 2 and 4
+ *  @param[out]    entid         int32 [nent], entity identifiers; pass 2 and 5, like those down to weight
+ *  @param[out]    fidglob       int32 [1], frame identifier; fswitch 0 only
+ *  @param[out]    fid           int32 [nent], frame identifiers; fswitch 1 only
+ *  @param[out]    operator_     text256 [ncoo], combination operator of each component; dmpswitch 1 only
+ *  @param[out]    weight        real [nent], combination weight of each entity; dmpswitch 1 only
+ *  @param[out]    res           real [nstate, nent, ncoo(, 2)], values; pass 3 and 4: [nent, ncoo(, 2)], [count] or
+ *                               [number of points]
+ *  @param[out]    filter_flags  int32 [1], filters of "res", see @ref filters; pass 2, 3 and 4
+ *  @param[out]    filter_params int32 [2], their parameters
+ *  @param[in]     mode          int32 [1], 0: a whole state; 1: a block of values; 2: single values; read in pass 3 and
+ *                               4 only
+ *  @param[in]     count         int64 [rank], mode 1: extents of the block of values; mode 2: [1], number of points
+ *  @param[in]     start         int64 [rank], mode 1: first state row, first entity, first component; mode 2: [points,
+ *                               rank], coordinates
+ *  @param[out]    status        int32 [1], 1050 read, real; 1051 read, complex; -1 invalid handle, not a block of
+ *                               multi-state entity results of this layout, or a part of it is missing; -3 another pass;
+ *                               -123 fswitch is neither 0 nor 1; -999 unknown mode; otherwise see @ref storage_codes */
 KOB_API void KOB1_READ_MULTIENTITYRESULTC(const int64_t* block, const int32_t* pass, char* series, char* etyp,
                                           int32_t* nent, char* etypvar, int32_t* ncoo, char* etypzone, int32_t* zoneid,
                                           char* etypframe, int32_t* fswitch, int32_t* dmpswitch, int32_t* nindex,
@@ -2775,7 +3607,39 @@ KOB_API void KOB1_READ_MULTIENTITYRESULTC(const int64_t* block, const int32_t* p
                                           int32_t* filter_flags, int32_t* filter_params, const int32_t* mode,
                                           const int64_t* count, const int64_t* start, int32_t* status);
 
-/** Writes a block of the older layout; see KOB_WRITE_MULTIELEMENTRESULTS(). */
+/** Writes the leading states of a series of element results in the older layout, as KOB_WRITE_MULTIELEMENTRESULTS()
+ *  does in the current one.
+ *  @param[in]  group         int64 [1], group from KOB1_OPEN()
+ *  @param[in]  series        text256 [1], name of the series of states, leads the path
+ *  @param[in]  etypelem      text256 [1], element type name
+ *  @param[in]  nele          int32 [1], number of elements
+ *  @param[in]  etypvar       text256 [1], name of the variable
+ *  @param[in]  ncoo          int32 [1], number of components
+ *  @param[in]  numl          int32 [1], number of locations in each element
+ *  @param[in]  ndim          int32 [1], number of coordinates of a location
+ *  @param[in]  etypzone      text256 [1], zone name; blank: none
+ *  @param[in]  zoneid        int32 [1], zone number; negative: none
+ *  @param[in]  etypframe     text256 [1], name of the frame of the components
+ *  @param[in]  fswitch       int32 [1], 0: one frame, fidglob, for all; 1: a frame for each element, fid; 2: a frame
+ *                            for each element and location, fid
+ *  @param[in]  dmpswitch     int32 [1], 1: operator and weight are written; any other: they are not
+ *  @param[in]  nindex        int32 [1], number of index values of a state
+ *  @param[in]  indexident    int32 [n, nindex], index identifiers of each state
+ *  @param[in]  indexval      double [n, nindex], index values of each state
+ *  @param[in]  idele         int32 [nele], element identifiers
+ *  @param[in]  fidglob       int32 [1], frame identifier; fswitch 0 only
+ *  @param[in]  fid           int32 [nele] or [nele, numl], frame identifiers; fswitch 1 or 2 only
+ *  @param[in]  eloc          double [numl, ndim], coordinates of the locations
+ *  @param[in]  operator_     text256 [ncoo], combination operator of each component; dmpswitch 1 only
+ *  @param[in]  weight        double [nele], combination weight of each element; dmpswitch 1 only
+ *  @param[in]  res           double [n, nele, numl, ncoo(, 2)], values; complex with value_size 16 and 32
+ *  @param[in]  set           int32 [1], set number of the path; negative: none
+ *  @param[in]  n             int32 [1], number of states, written to rows 0 to n - 1
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; of the doubles, bit 128 reaches res alone
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  value_size    int32 [1], see @ref value_size
+ *  @param[out] status        int32 [1], 0 written; -8, -10 the group cannot be created, opened; -123 fswitch is neither
+ *                            0, 1 nor 2; -999 n is negative; otherwise see @ref storage_codes */
 KOB_API void KOB1_WRITE_MULTIELEMENTRESULTS(const int64_t* group, const char* series, const char* etypelem,
                                             const int32_t* nele, const char* etypvar, const int32_t* ncoo,
                                             const int32_t* numl, const int32_t* ndim, const char* etypzone,
@@ -2787,7 +3651,38 @@ KOB_API void KOB1_WRITE_MULTIELEMENTRESULTS(const int64_t* group, const char* se
                                             const int32_t* n, const int32_t* filter_flags, const int32_t* filter_params,
                                             const int32_t* value_size, int32_t* status);
 
-/** Reads a block of the older layout; see KOB_READ_MULTIELEMENTRESULTS(). */
+/** Reads a series of element results of the older layout with all its states.
+ *  @param[in]  block         int64 [1], group of the block
+ *  @param[in]  pass          int32 [1], 1: the scalar items; 2: everything
+ *  @param[out] series        text256 [1], name of the series of states
+ *  @param[out] etypelem      text256 [1], element type name
+ *  @param[out] nele          int32 [1], number of elements
+ *  @param[out] etypvar       text256 [1], name of the variable
+ *  @param[out] ncoo          int32 [1], number of components
+ *  @param[out] numl          int32 [1], number of locations in each element
+ *  @param[out] ndim          int32 [1], number of coordinates of a location
+ *  @param[out] etypzone      text256 [1], zone name
+ *  @param[out] zoneid        int32 [1], zone number
+ *  @param[out] etypframe     text256 [1], name of the frame of the components
+ *  @param[out] fswitch       int32 [1], 0: one frame, fidglob, for all; 1: a frame for each element, fid; 2: a frame
+ *                            for each element and location, fid
+ *  @param[out] dmpswitch     int32 [1], 1: the block holds operator and weight
+ *  @param[out] nindex        int32 [1], number of index values of a state
+ *  @param[out] nstate        int32 [1], number of state rows
+ *  @param[out] indexident    int32 [nstate, nindex], index identifiers of each state; pass 2
+ *  @param[out] indexval      double [nstate, nindex], index values of each state; pass 2
+ *  @param[out] idele         int32 [nele], element identifiers; pass 2, like all below
+ *  @param[out] fidglob       int32 [1], frame identifier; fswitch 0 only
+ *  @param[out] fid           int32 [nele] or [nele, numl], frame identifiers; fswitch 1 or 2 only
+ *  @param[out] eloc          double [numl, ndim], coordinates of the locations
+ *  @param[out] operator_     text256 [ncoo], combination operator of each component; dmpswitch 1 only
+ *  @param[out] weight        double [nele], combination weight of each element; dmpswitch 1 only
+ *  @param[out] res           double [nstate, nele, numl, ncoo(, 2)], values; complex if the status is 1151
+ *  @param[out] filter_flags  int32 [1], filters of "res", see @ref filters
+ *  @param[out] filter_params int32 [2], their parameters
+ *  @param[out] status        int32 [1], 1150 read, real; 1151 read, complex; -1 invalid handle, not a block of
+ *                            multi-state element results of this layout, or a part of it is missing; -3 another pass
+ *                            (nothing is read); -123 fswitch is neither 0, 1 nor 2; otherwise see @ref storage_codes */
 KOB_API void KOB1_READ_MULTIELEMENTRESULTS(const int64_t* block, const int32_t* pass, char* series, char* etypelem,
                                            int32_t* nele, char* etypvar, int32_t* ncoo, int32_t* numl, int32_t* ndim,
                                            char* etypzone, int32_t* zoneid, char* etypframe, int32_t* fswitch,
@@ -2796,71 +3691,267 @@ KOB_API void KOB1_READ_MULTIELEMENTRESULTS(const int64_t* block, const int32_t* 
                                            double* eloc, char* operator_, double* weight, double* res,
                                            int32_t* filter_flags, int32_t* filter_params, int32_t* status);
 
-/** Writes a block of the older layout; see KOB_WRITE_MULTIACTIVFLAGS(). */
+/** Writes the leading states of a series of activation flags in the older layout, as KOB_WRITE_MULTIACTIVFLAGS() does
+ *  in the current one.
+ *  @param[in]  group         int64 [1], group from KOB1_OPEN()
+ *  @param[in]  series        text256 [1], name of the series of states, leads the path
+ *  @param[in]  etyp          text256 [1], entity type name
+ *  @param[in]  nent          int32 [1], number of entities
+ *  @param[in]  nindex        int32 [1], number of index values of a state
+ *  @param[in]  indexident    int32 [n, nindex], index identifiers of each state
+ *  @param[in]  indexval      double [n, nindex], index values of each state
+ *  @param[in]  entid         int32 [nent], entity identifiers
+ *  @param[in]  flags         int32 [n, nent], activation flag of each entity in each state
+ *  @param[in]  n             int32 [1], number of states, written to rows 0 to n - 1
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; bit 128 has no effect here
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  float_size    int32 [1], stored size of the doubles, see @ref value_size
+ *  @param[out] status        int32 [1], 0 written; -8, -10 the group cannot be created, opened; -999 n is negative;
+ *                            otherwise see @ref storage_codes */
 KOB_API void KOB1_WRITE_MULTIACTIVFLAGS(const int64_t* group, const char* series, const char* etyp, const int32_t* nent,
                                         const int32_t* nindex, const int32_t* indexident, const double* indexval,
                                         const int32_t* entid, const int32_t* flags, const int32_t* n,
                                         const int32_t* filter_flags, const int32_t* filter_params,
                                         const int32_t* float_size, int32_t* status);
 
-/** Reads a block of the older layout; see KOB_READ_MULTIACTIVFLAGS(). */
+/** Reads a series of activation flags of the older layout with all its states.
+ *  @param[in]  block         int64 [1], group of the block
+ *  @param[in]  pass          int32 [1], 1: the scalar items; 2: everything
+ *  @param[out] series        text256 [1], name of the series of states
+ *  @param[out] etyp          text256 [1], entity type name
+ *  @param[out] nent          int32 [1], number of entities
+ *  @param[out] nindex        int32 [1], number of index values of a state
+ *  @param[out] nstate        int32 [1], number of state rows
+ *  @param[out] indexident    int32 [nstate, nindex], index identifiers of each state; pass 2
+ *  @param[out] indexval      double [nstate, nindex], index values of each state; pass 2
+ *  @param[out] entid         int32 [nent], entity identifiers; pass 2, like all below
+ *  @param[out] flags         int32 [nstate, nent], activation flag of each entity in each state
+ *  @param[out] filter_flags  int32 [1], filters of "status", where the flags are stored, see @ref filters
+ *  @param[out] filter_params int32 [2], their parameters
+ *  @param[out] status        int32 [1], 0 read; -1 invalid handle, not a block of multi-state activation flags of this
+ *                            layout, or a part of it is missing; -3 another pass (the attributes are filled in then);
+ *                            otherwise see @ref storage_codes */
 KOB_API void KOB1_READ_MULTIACTIVFLAGS(const int64_t* block, const int32_t* pass, char* series, char* etyp,
                                        int32_t* nent, int32_t* nindex, int32_t* nstate, int32_t* indexident,
                                        double* indexval, int32_t* entid, int32_t* flags, int32_t* filter_flags,
                                        int32_t* filter_params, int32_t* status);
 
-/** Writes a block of the older layout; see KOB_WRITE_DENSEMATRIX(). */
+/** Writes a dense matrix in the older layout, as KOB_WRITE_DENSEMATRIX() writes it in the current one.
+ *
+ *  In pieces rank is 2, of complex values 3.
+ *  @param[in]  group         int64 [1], group from KOB1_OPEN()
+ *  @param[in]  etyp          text256 [1], entity type name
+ *  @param[in]  entid         int32 [1], entity identifier
+ *  @param[in]  etypvar       text256 [1], name of the matrix variable
+ *  @param[in]  nrow          int32 [1], number of rows
+ *  @param[in]  ncolumn       int32 [1], number of columns
+ *  @param[in]  nindex        int32 [1], number of index values, see @ref state_index; 0: constant
+ *  @param[in]  indexident    int32 [nindex], index identifiers of the state
+ *  @param[in]  indexval      double [nindex], index values of the state
+ *  @param[in]  val           double [nrow, ncolumn(, 2)], values; with mode 1 [count], with mode 2 [number of points]
+ *  @param[in]  state         int32 [1], state number of the path; negative: taken from indexident
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; of the doubles, bit 128 reaches val alone
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  value_size    int32 [1], see @ref value_size
+ *  @param[in]  mode          int32 [1], 0: all values; 1: a block of them; 2: single values
+ *  @param[in]  count         int64 [rank], mode 1: extents of the block; mode 2: [1], number of points
+ *  @param[in]  start         int64 [rank], mode 1: first indices; mode 2: [points, rank], coordinates
+ *  @param[out] status        int32 [1], 0 written; -8, -10 the group cannot be created, opened; -999 unknown mode
+ *                            (attributes and index of a new block are written); otherwise see @ref storage_codes
+ *  @param[in]  unused19      int32 by value, ignored
+ *  @param[in]  unused20      int32 by value, ignored */
 KOB_API void KOB1_WRITE_DENSEMATRIX(const int64_t* group, const char* etyp, const int32_t* entid, const char* etypvar,
                                     const int32_t* nrow, const int32_t* ncolumn, const int32_t* nindex,
                                     const int32_t* indexident, const double* indexval, const double* val,
                                     const int32_t* state, const int32_t* filter_flags, const int32_t* filter_params,
                                     const int32_t* value_size, const int32_t* mode, const int64_t* count,
-                                    const int64_t* start, int32_t* status, int32_t unused1, int32_t unused2);
+                                    const int64_t* start, int32_t* status, int32_t unused19, int32_t unused20);
 
-/** Reads a block of the older layout; see KOB_READ_DENSEMATRIX(). */
+/** Reads a dense matrix of the older layout, whole or in pieces.
+ *
+ *  In pieces rank is 2, of complex values 3.
+ *  @param[in]  block         int64 [1], group of the block
+ *  @param[in]  pass          int32 [1], 1: the scalar items; 2: everything; 3: a block of the values; 4: single values
+ *  @param[out] etyp          text256 [1], entity type name
+ *  @param[out] entid         int32 [1], entity identifier
+ *  @param[out] etypvar       text256 [1], name of the matrix variable
+ *  @param[out] nrow          int32 [1], number of rows
+ *  @param[out] ncolumn       int32 [1], number of columns
+ *  @param[out] nindex        int32 [1], number of index values; 0: constant
+ *  @param[out] indexident    int32 [nindex], index identifiers of the state; pass 2
+ *  @param[out] indexval      double [nindex], index values of the state; pass 2
+ *  @param[out] val           double [nrow, ncolumn(, 2)], values; complex if the status is 10001; pass 3 [count], pass
+ *                            4 [number of points]
+ *  @param[out] filter_flags  int32 [1], filters of "val", see @ref filters; pass 2, 3 and 4
+ *  @param[out] filter_params int32 [2], their parameters
+ *  @param[in]  count         int64 [rank], pass 3: extents of the block; pass 4: [1], number of points
+ *  @param[in]  start         int64 [rank], pass 3: first indices; pass 4: [points, rank], coordinates
+ *  @param[out] status        int32 [1], 10000 read, real; 10001 read, complex; -1 invalid handle, not a dense matrix
+ *                            block of this layout, or a part of it is missing; -3 another pass (nothing is read);
+ *                            otherwise see @ref storage_codes
+ *  @param[in]  unused17      int32 by value, ignored
+ *  @param[in]  unused18      int32 by value, ignored */
 KOB_API void KOB1_READ_DENSEMATRIX(const int64_t* block, const int32_t* pass, char* etyp, int32_t* entid, char* etypvar,
                                    int32_t* nrow, int32_t* ncolumn, int32_t* nindex, int32_t* indexident,
                                    double* indexval, double* val, int32_t* filter_flags, int32_t* filter_params,
-                                   const int64_t* count, const int64_t* start, int32_t* status, int32_t unused1,
-                                   int32_t unused2);
+                                   const int64_t* count, const int64_t* start, int32_t* status, int32_t unused17,
+                                   int32_t unused18);
 
-/** Writes a block of the older layout; see KOB_WRITE_TRIANGULARMATRIX(). */
+/** Writes a triangular matrix in the older layout, as KOB_WRITE_TRIANGULARMATRIX() writes it in the current one.
+ *
+ *  npacked is nsize (nsize + 1) / 2. In pieces rank is 1, of complex values 2.
+ *  @param[in]  group         int64 [1], group from KOB1_OPEN()
+ *  @param[in]  etyp          text256 [1], entity type name
+ *  @param[in]  entid         int32 [1], entity identifier
+ *  @param[in]  etypvar       text256 [1], name of the matrix variable
+ *  @param[in]  nsize         int32 [1], order of the matrix
+ *  @param[in]  matrixtype    int32 [1], code of the kind of matrix, stored as given
+ *  @param[in]  nindex        int32 [1], number of index values, see @ref state_index; 0: constant
+ *  @param[in]  indexident    int32 [nindex], index identifiers of the state
+ *  @param[in]  indexval      double [nindex], index values of the state
+ *  @param[in]  val           double [npacked(, 2)], values; with mode 1 [count], with mode 2 [number of points]
+ *  @param[in]  state         int32 [1], state number of the path; negative: taken from indexident
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; of the doubles, bit 128 reaches val alone
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  value_size    int32 [1], see @ref value_size
+ *  @param[in]  mode          int32 [1], 0: all values; 1: a block of them; 2: single values
+ *  @param[in]  count         int64 [rank], mode 1: extents of the block; mode 2: [1], number of points
+ *  @param[in]  start         int64 [rank], mode 1: first indices; mode 2: [points, rank], coordinates
+ *  @param[out] status        int32 [1], 0 written; -8, -10 the group cannot be created, opened; -999 unknown mode
+ *                            (attributes and index of a new block are written); otherwise see @ref storage_codes
+ *  @param[in]  unused19      int32 by value, ignored
+ *  @param[in]  unused20      int32 by value, ignored */
 KOB_API void KOB1_WRITE_TRIANGULARMATRIX(const int64_t* group, const char* etyp, const int32_t* entid,
                                          const char* etypvar, const int32_t* nsize, const int32_t* matrixtype,
                                          const int32_t* nindex, const int32_t* indexident, const double* indexval,
                                          const double* val, const int32_t* state, const int32_t* filter_flags,
                                          const int32_t* filter_params, const int32_t* value_size, const int32_t* mode,
-                                         const int64_t* count, const int64_t* start, int32_t* status, int32_t unused1,
-                                         int32_t unused2);
+                                         const int64_t* count, const int64_t* start, int32_t* status, int32_t unused19,
+                                         int32_t unused20);
 
-/** Reads a block of the older layout; see KOB_READ_TRIANGULARMATRIX(). */
+/** Reads a triangular matrix of the older layout, whole or in pieces.
+ *
+ *  npacked is nsize (nsize + 1) / 2. In pieces rank is 1, of complex values 2.
+ *  @param[in]  block         int64 [1], group of the block
+ *  @param[in]  pass          int32 [1], 1: the scalar items; 2: everything; 3: a block of the values; 4: single values
+ *  @param[out] etyp          text256 [1], entity type name
+ *  @param[out] entid         int32 [1], entity identifier
+ *  @param[out] etypvar       text256 [1], name of the matrix variable
+ *  @param[out] nsize         int32 [1], order of the matrix
+ *  @param[out] matrixtype    int32 [1], code of the kind of matrix
+ *  @param[out] nindex        int32 [1], number of index values; 0: constant
+ *  @param[out] indexident    int32 [nindex], index identifiers of the state; pass 2
+ *  @param[out] indexval      double [nindex], index values of the state; pass 2
+ *  @param[out] val           double [npacked(, 2)], values; complex if the status is 10101; pass 3 [count], pass 4
+ *                            [number of points]
+ *  @param[out] filter_flags  int32 [1], filters of "val", see @ref filters; pass 2, 3 and 4
+ *  @param[out] filter_params int32 [2], their parameters
+ *  @param[in]  count         int64 [rank], pass 3: extents of the block; pass 4: [1], number of points
+ *  @param[in]  start         int64 [rank], pass 3: first indices; pass 4: [points, rank], coordinates
+ *  @param[out] status        int32 [1], 10100 read, real; 10101 read, complex; -1 invalid handle, not a triangular
+ *                            matrix block of this layout, or a part of it is missing; -3 another pass (nothing is
+ *                            read); otherwise see @ref storage_codes
+ *  @param[in]  unused17      int32 by value, ignored
+ *  @param[in]  unused18      int32 by value, ignored */
 KOB_API void KOB1_READ_TRIANGULARMATRIX(const int64_t* block, const int32_t* pass, char* etyp, int32_t* entid,
                                         char* etypvar, int32_t* nsize, int32_t* matrixtype, int32_t* nindex,
                                         int32_t* indexident, double* indexval, double* val, int32_t* filter_flags,
                                         int32_t* filter_params, const int64_t* count, const int64_t* start,
-                                        int32_t* status, int32_t unused1, int32_t unused2);
+                                        int32_t* status, int32_t unused17, int32_t unused18);
 
-/** Writes a block of the older layout; see KOB_WRITE_SPARSEMATRIX(). */
+/** Writes a sparse matrix in the older layout, as KOB_WRITE_SPARSEMATRIX() writes it in the current one.
+ *
+ *  In pieces rank is 1, of complex values 2.
+ *  @param[in]  group         int64 [1], group from KOB1_OPEN()
+ *  @param[in]  etyp          text256 [1], entity type name
+ *  @param[in]  entid         int32 [1], entity identifier
+ *  @param[in]  etypvar       text256 [1], name of the matrix variable
+ *  @param[in]  nrow          int32 [1], number of rows
+ *  @param[in]  nnz           int64 [1], number of stored entries
+ *  @param[in]  nindex        int32 [1], number of index values, see @ref state_index; 0: constant
+ *  @param[in]  indexident    int32 [nindex], index identifiers of the state
+ *  @param[in]  indexval      double [nindex], index values of the state
+ *  @param[in]  colind        int32 [nnz], column of each entry
+ *  @param[in]  rowptr        int64 [nrow + 1], where each row starts in colind and val, and the end
+ *  @param[in]  val           double [nnz(, 2)], values; with mode 1 [count], with mode 2 [number of points]
+ *  @param[in]  state         int32 [1], state number of the path; negative: taken from indexident
+ *  @param[in]  filter_flags  int32 [1], see @ref filters; of the doubles, bit 128 reaches val alone
+ *  @param[in]  filter_params int32 [2], their parameters
+ *  @param[in]  value_size    int32 [1], see @ref value_size
+ *  @param[in]  mode          int32 [1], 0: all values; 1: a block of them; 2: single values
+ *  @param[in]  count         int64 [rank], mode 1: extents of the block; mode 2: [1], number of points
+ *  @param[in]  start         int64 [rank], mode 1: first indices; mode 2: [points, rank], coordinates
+ *  @param[out] status        int32 [1], 0 written; -8, -10 the group cannot be created, opened; -999 unknown mode
+ *                            (attributes and index of a new block are written); otherwise see @ref storage_codes
+ *  @param[in]  unused21      int32 by value, ignored
+ *  @param[in]  unused22      int32 by value, ignored */
 KOB_API void KOB1_WRITE_SPARSEMATRIX(const int64_t* group, const char* etyp, const int32_t* entid, const char* etypvar,
                                      const int32_t* nrow, const int64_t* nnz, const int32_t* nindex,
                                      const int32_t* indexident, const double* indexval, const int32_t* colind,
                                      const int64_t* rowptr, const double* val, const int32_t* state,
                                      const int32_t* filter_flags, const int32_t* filter_params,
                                      const int32_t* value_size, const int32_t* mode, const int64_t* count,
-                                     const int64_t* start, int32_t* status, int32_t unused1, int32_t unused2);
+                                     const int64_t* start, int32_t* status, int32_t unused21, int32_t unused22);
 
-/** Reads a block of the older layout; see KOB_READ_SPARSEMATRIX(). */
+/** Reads a sparse matrix of the older layout, whole or in pieces.
+ *
+ *  In pieces rank is 1, of complex values 2. The passes 3 and 4 read colind and rowptr, too, whole and with the extents
+ *  that the caller gives.
+ *  @param[in]     block         int64 [1], group of the block
+ *  @param[in]     pass          int32 [1], 1: the scalar items; 2: everything; 3: a block of the values; 4: single
+ *                               values
+ *  @param[out]    etyp          text256 [1], entity type name
+ *  @param[out]    entid         int32 [1], entity identifier
+ *  @param[out]    etypvar       text256 [1], name of the matrix variable
+ *  @param[in,out] nrow          int32 [1], number of rows; input in pass 3 and 4
+ *  @param[in,out] nnz           int64 [1], number of stored entries; input in pass 3 and 4
+ *  @param[out]    nindex        int32 [1], number of index values; 0: constant
+ *  @param[out]    indexident    int32 [nindex], index identifiers of the state; pass 2
+ *  @param[out]    indexval      double [nindex], index values of the state; pass 2
+ *  @param[out]    colind        int32 [nnz], column of each entry; pass 2, 3 and 4
+ *  @param[out]    rowptr        int64 [nrow + 1], where each row starts in colind and val, and the end; pass 2, 3 and 4
+ *  @param[out]    val           double [nnz(, 2)], values; complex if the status is 10201; pass 3 [count], pass 4
+ *                               [number of points]
+ *  @param[out]    filter_flags  int32 [1], filters of "val", see @ref filters; pass 2, 3 and 4
+ *  @param[out]    filter_params int32 [2], their parameters
+ *  @param[in]     count         int64 [rank], pass 3: extents of the block; pass 4: [1], number of points
+ *  @param[in]     start         int64 [rank], pass 3: first indices; pass 4: [points, rank], coordinates
+ *  @param[out]    status        int32 [1], 10200 read, real; 10201 read, complex; -1 invalid handle, not a sparse
+ *                               matrix block of this layout, or a part of it is missing; -3 another pass (nothing is
+ *                               read); otherwise see @ref storage_codes
+ *  @param[in]     unused19      int32 by value, ignored
+ *  @param[in]     unused20      int32 by value, ignored */
 KOB_API void KOB1_READ_SPARSEMATRIX(const int64_t* block, const int32_t* pass, char* etyp, int32_t* entid,
                                     char* etypvar, int32_t* nrow, int64_t* nnz, int32_t* nindex, int32_t* indexident,
                                     double* indexval, int32_t* colind, int64_t* rowptr, double* val,
                                     int32_t* filter_flags, int32_t* filter_params, const int64_t* count,
-                                    const int64_t* start, int32_t* status, int32_t unused1, int32_t unused2);
+                                    const int64_t* start, int32_t* status, int32_t unused19, int32_t unused20);
 
-/** Cuts a file of the older layout back, as KOB_ERASE_STATES() does; the file's major version must be 1. */
+/** Erases every result of a file of the older layout that belongs to a state after the given index, as
+ *  KOB_ERASE_STATES() does in the current one.
+ *
+ *  The file's major version must be 1. The number of states of a series is the extent of its values.
+ *  @param[in]  group   int64 [1], group of the open file
+ *  @param[in]  nindex  int32 [1], number of index values
+ *  @param[in]  index   int32 [nindex], identifiers of the last state to keep
+ *  @param[in]  verbose int32 [1], 1: banner and information lines; 2: also the block table and every deletion
+ *  @param[out] status  int32 [1], 0 done, or the file has no header or another major version (nothing is changed); -1
+ *                      no blocks; -1000 a series without values; otherwise see @ref storage_codes and
+ *                      KOB1_READ_INDEX(), KOB1_READ_MULTIENTITYRESULTS(), KOB1_WRITE_MULTIENTITYRESULTS2() */
 KOB_API void KOB1_ERASE_STATES(const int64_t* group, const int32_t* nindex, const int32_t* index,
                                const int32_t* verbose, int32_t* status);
 
-/** Links the contents of several groups into one, as KOB_CREATE_EXTLINKS() does. */
+/** Links the contents of several groups, of any files, into one group: KOB_CREATE_EXTLINKS() with the version number of
+ *  the older layout in its banner.
+ *  @param[in]  sources int64 [n], groups whose contents are shown
+ *  @param[in]  target  int64 [1], group that shows them
+ *  @param[in]  n       int32 [1], number of source groups
+ *  @param[in]  name    char [256], group below the target for the links, made if missing; ends at a NUL, blanks at the
+ *                      end do not count; used with option 1
+ *  @param[in]  options int32 [1], bit 1: put the links into the group name
+ *  @param[in]  verbose int32 [1], above 0: one line for each link
+ *  @param[out] status  int32 [1], 0 done, even when single links failed; with option 1 what KOB_H5GOPEN() gives: the
+ *                      number of groups created, or its error */
 KOB_API void KOB1_CREATE_EXTLINKS(const int64_t* sources, const int64_t* target, const int32_t* n, const char* name,
                                   const int32_t* options, const int32_t* verbose, int32_t* status);
 

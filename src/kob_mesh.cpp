@@ -401,7 +401,7 @@ void KOB1_WRITE_COLLECTOR(const int64_t* group, const char* etypcoll, const int3
     });
 }
 
-void KOB1_READ_COLLECTOR(const int64_t* block, const int32_t* mode, int32_t* nenttot, char* etypcoll, int32_t* ncoll,
+void KOB1_READ_COLLECTOR(const int64_t* block, const int32_t* pass, int32_t* nenttot, char* etypcoll, int32_t* ncoll,
                          int32_t* ntyp, int32_t* nindex, int32_t* indexident, double* indexval, int32_t* idcoll,
                          char* etyp, int32_t* nent, int32_t* entid, int32_t* filter_flags, int32_t* filter_params,
                          int32_t* status)

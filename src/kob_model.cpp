@@ -228,7 +228,7 @@ void KOB1_WRITE_SYSTEM(const int64_t* group, const char* title, const char* sys,
     });
 }
 
-void KOB1_READ_SYSTEM(const int64_t* block, const int32_t* mode, char* title, char* sys, char* solver_name,
+void KOB1_READ_SYSTEM(const int64_t* block, const int32_t* pass, char* title, char* sys, char* solver_name,
                       char* solver_vers, char* cdate, char* ctime, char* mdate, char* mtime, int32_t* nbunit,
                       int32_t* ndunit, int32_t* ubid, char* ubtyp, char* ubnam, double* ubshift, double* ubcon,
                       int32_t* udid, char* udnam, double* udscal, int32_t* ndbunit, int32_t* udbid, double* udbexp,
