@@ -410,7 +410,7 @@ void KOB1_READ_COLLECTOR(const int64_t* block, const int32_t* pass, int32_t* nen
     entry(status, [&] {
         const Collector<Reader> b{nenttot, etypcoll, ncoll, ntyp, {nindex, nullptr, indexident, indexval},
                                   idcoll,  etyp,     nent,  entid};
-        return read_passes(older(block), kind::collector, b, value(mode), filter_flags, filter_params);
+        return read_passes(older(block), kind::collector, b, value(pass), filter_flags, filter_params);
     });
 }
 

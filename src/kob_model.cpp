@@ -239,7 +239,7 @@ void KOB1_READ_SYSTEM(const int64_t* block, const int32_t* pass, char* title, ch
         const System<Reader> b{title, sys,    solver_name, solver_vers, cdate,   ctime, mdate,
                                mtime, nbunit, ndunit,      ubid,        ubtyp,   ubnam, ubshift,
                                ubcon, udid,   udnam,       udscal,      ndbunit, udbid, udbexp};
-        return read_two_passes(older(block), kind::system, b, value(mode), filter_flags, filter_params, "udbexp");
+        return read_two_passes(older(block), kind::system, b, value(pass), filter_flags, filter_params, "udbexp");
     });
 }
 
