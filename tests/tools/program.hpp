@@ -21,7 +21,8 @@
 
 namespace kob_test {
 
-struct Outcome {
+/// What a run of the program left behind.
+struct ProgramOutcome {
     int exit_code = -1; ///< -1: ended by a signal
     std::string out;
     std::string err;
@@ -42,6 +43,7 @@ private:
         return result;
     }
 };
+using Outcome = ProgramOutcome; // a name of its own for the linker: calls of the library have outcomes, too
 
 inline std::string content_of(const std::string& path)
 {

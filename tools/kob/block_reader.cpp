@@ -64,14 +64,20 @@ std::string_view type_name(Type type)
     return "";
 }
 
+std::int64_t Item::row_count() const { return shape.empty() ? 1 : shape[is_series ? 1 : 0]; }
+
 std::int64_t Item::row_length() const
 {
     std::int64_t length = 1;
-    for (std::size_t i = 1; i < shape.size(); ++i) length = product(length, shape[i]);
+    for (std::size_t i = is_series ? 2 : 1; i < shape.size(); ++i) length = product(length, shape[i]);
     return length;
 }
 
-std::int64_t Item::element_count() const { return shape.empty() ? 1 : product(shape.front(), row_length()); }
+std::int64_t Item::element_count() const
+{
+    const std::int64_t count = product(row_count(), row_length());
+    return is_series ? product(shape.front(), count) : count;
+}
 
 std::int64_t Item::bytes() const { return product(element_count(), element_size(*this)); }
 
@@ -121,6 +127,37 @@ std::int64_t Block::bytes() const
     return sum;
 }
 
+std::string StateValues::text() const
+{
+    std::string text;
+    for (const double value : values) text += (text.empty() ? "" : ", ") + number_text(value);
+    return text;
+}
+
+StateValues state_values(const Block& block, std::int64_t row)
+{
+    const Item* identifiers = block.find("indexident");
+    const Item* values = block.find("indexval");
+    StateValues state;
+    if (identifiers == nullptr || values == nullptr) return state;
+    const bool by_row = identifiers->shape.size() > 1;
+    const std::int64_t length = by_row ? identifiers->row_length() : identifiers->rows;
+    if (by_row && row >= identifiers->rows) return state;
+    for (std::int64_t i = row * length; i < (row + 1) * length; ++i) {
+        state.identifiers.push_back(identifiers->integer(i));
+        state.values.push_back(values->real(i));
+    }
+    return state;
+}
+
+std::optional<Series> series_of(const Block& block)
+{
+    if (block.find("nstate") == nullptr) return std::nullopt;
+    const std::int64_t states = block.integer("nstate", 0);
+    return Series{block.text("series"), states, state_values(block, 0),
+                  state_values(block, std::max<std::int64_t>(states - 1, 0))};
+}
+
 const Kind* find_kind(std::int32_t key)
 {
     for (const Kind& kind : all_kinds())
@@ -136,10 +173,10 @@ Block read_block(const File& file, const Entry& entry, Depth depth, std::int64_t
     block.kind = find_kind(entry.key);
     if (block.kind == nullptr)
         throw Failure{exit_cannot_read, fmt::format("{}: a block of the unknown kind {}", name, entry.key)};
-    if (block.kind->scan == nullptr || file.older_layout())
+    if (file.older_layout())
         throw Failure{exit_cannot_read,
-                      fmt::format("{}: blocks of the kind \"{}\"{} cannot be shown yet", name, block.kind->name,
-                                  file.older_layout() ? " in the older layout" : "")};
+                      fmt::format("{}: blocks of the kind \"{}\" in the older layout cannot be shown yet", name,
+                                  block.kind->name)};
     Group group{file.group(), entry.path};
     try {
         BlockScan scan{block, group.handle(), depth, rows};
@@ -168,7 +205,7 @@ Item& BlockScan::add(std::string_view name, Stored stored, Type type, std::int32
 
 void BlockScan::claim(Item& item, std::int64_t rows)
 {
-    const std::int64_t count = product(rows, item.row_length());
+    const std::int64_t count = product(item.state_count, product(rows, item.row_length()));
     const std::int64_t bytes = product(count, element_size(item));
     if (bytes > memory_limit() - claimed_)
         refuse(fmt::format("\"{}\" claims {}, which is more than the memory of this machine leaves", item.name,
@@ -211,18 +248,54 @@ void BlockScan::set_extents(Item& item, const std::vector<std::int64_t>& extents
     for (const std::int64_t extent : extents)
         if (extent < 0) refuse(fmt::format("\"{}\" has the extent {}", item.name, extent));
     item.shape = extents;
+    if (item.type == Type::text && item.width < 1 && item.element_count() > 0)
+        refuse(fmt::format("\"{}\" has texts of {} characters", item.name, item.width));
 }
 
 void BlockScan::shape(Item& item, const std::vector<std::int64_t>& extents, Depth read_at)
 {
     set_extents(item, extents);
-    if (reads(read_at)) claim(item, extents.empty() ? 1 : extents.front());
+    if (reads(read_at)) claim(item, item.row_count());
 }
 
 void BlockScan::shape_leading(Item& item, const std::vector<std::int64_t>& extents)
 {
     set_extents(item, extents);
-    if (reads(Depth::values)) claim(item, rows_ == all_rows ? extents.front() : std::min(extents.front(), rows_));
+    if (reads(Depth::values)) claim(item, leading_rows(item.row_count()));
+}
+
+void BlockScan::shape_texts(Item& item, const std::vector<std::int64_t>& extents, std::int64_t width)
+{
+    item.width = static_cast<std::int32_t>(width);
+    shape(item, extents);
+}
+
+void BlockScan::set_states(Item& item, std::int64_t states, const std::vector<std::int64_t>& extents) const
+{
+    std::vector<std::int64_t> all{states};
+    all.insert(all.end(), extents.begin(), extents.end());
+    set_extents(item, all);
+    item.is_series = true;
+}
+
+void BlockScan::shape_states(Item& item, std::int64_t states, const std::vector<std::int64_t>& extents)
+{
+    set_states(item, states, extents);
+    item.state_count = states;
+    if (reads(Depth::values)) claim(item, item.row_count());
+}
+
+void BlockScan::shape_states_leading(Item& item, std::int64_t states, const std::vector<std::int64_t>& extents)
+{
+    constexpr std::int64_t first_and_last = 2;
+    set_states(item, states, extents);
+    item.state_count = rows_ == all_rows ? states : std::min(states, first_and_last);
+    if (reads(Depth::values)) claim(item, leading_rows(item.row_count()));
+}
+
+std::int64_t BlockScan::leading_rows(std::int64_t count) const
+{
+    return rows_ == all_rows ? count : std::min(count, rows_);
 }
 
 void BlockScan::call(const std::function<void(std::int32_t& status)>& reader)
@@ -251,6 +324,24 @@ bool StateIndex::shape(BlockScan& in) const
     in.shape(indexident, {n}, Depth::index);
     in.shape(indexval, {n}, Depth::index);
     return true;
+}
+
+SeriesIndex::SeriesIndex(BlockScan& in)
+    : nindex{in.integer("nindex")}, nstate{in.integer("nstate")},
+      indexident{in.integers("indexident")}, indexval{in.reals("indexval")}
+{
+}
+
+bool SeriesIndex::shape(BlockScan& in) const
+{
+    const std::int64_t n = nindex.integer();
+    for (Item* item : {&indexident, &indexval}) {
+        if (n > 0)
+            in.shape(*item, {nstate.integer(), n}, Depth::index);
+        else
+            in.absent(*item);
+    }
+    return n > 0;
 }
 
 } // namespace kob::program

@@ -12,6 +12,7 @@
 #include <functional>
 #include <memory>
 #include <new>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -59,13 +60,20 @@ struct Item {
     std::vector<std::int64_t> shape; ///< extents of the whole, slowest first; empty for one value
     bool complex_pairs = false;      ///< the last extent is 2: real part, imaginary part
     bool in_block = true;            ///< false: the block's switches say that it has no such item
+    bool is_string = false;          ///< texts of one character that make one text together
+    bool is_series = false;          ///< the first extent counts states, the rows are those of each state
+    std::int64_t state_count = 1;    ///< of a series: of how many states values are read
     std::int64_t rows = 0;           ///< how many leading rows (values, when there is no shape) are read
     std::variant<Buffer<char>, Buffer<std::int32_t>, Buffer<std::int64_t>, Buffer<double>> values;
 
     std::int64_t element_count() const; ///< of the whole; refused when it does not fit 63 bits
+    std::int64_t row_count() const;     ///< of the whole, of each state in a series
     std::int64_t row_length() const;    ///< elements in one row
     std::int64_t bytes() const;         ///< of the whole, as it stands in memory when read
-    std::int64_t read_count() const { return rows * row_length(); } ///< elements whose values are here
+    std::int64_t read_count() const { return state_count * rows * row_length(); } ///< elements whose values are here
+    bool is_whole() const { return read_count() == element_count(); }             ///< all of them are
+    /// The state whose values come i-th: where not all are read, the first and the last are.
+    std::int64_t state(std::int64_t i) const { return i > 0 && state_count < shape.front() ? shape.front() - 1 : i; }
 
     std::string text(std::int64_t i = 0) const; ///< element i without its padding
     std::int64_t integer(std::int64_t i = 0) const;
@@ -79,7 +87,17 @@ struct Item {
 
 class BlockScan;
 
-/// One row of the table of kinds. A kind without a `scan` is listed, but not read yet.
+/// How the datasets of a kind are shown, besides those of the state index.
+enum class Look {
+    lists,      ///< each on its own
+    table,      ///< as the columns of one table, a row for each entity
+    collectors, ///< groups with their members
+    locations,  ///< results with a row for each location in each element
+    matrix,     ///< rows and columns
+    entries     ///< row, column and value of each entry
+};
+
+/// One row of the table of kinds.
 struct Kind {
     std::int32_t key;
     std::int32_t complex_key;  ///< the key of the same kind with complex values; 0 without such
@@ -87,6 +105,7 @@ struct Kind {
     std::string_view entity;   ///< the item that names the entity type
     std::string_view variable; ///< the item that names the variable or variable group
     std::string_view main;     ///< the item whose shape tells the size of the block
+    Look look;
     void (*scan)(BlockScan&);
 };
 
@@ -118,7 +137,28 @@ public:
     std::int64_t bytes() const; ///< of all items, as they stand in memory when read
 };
 
-/// Reads one block of the file; of large result tables no more than the first `rows` rows.
+/// A state as its index tells it.
+struct StateValues {
+    std::vector<std::int64_t> identifiers;
+    std::vector<double> values;
+    std::string text() const; ///< the values with commas between them
+};
+
+/// The states of a series.
+struct Series {
+    std::string name;
+    std::int64_t states = 0;
+    StateValues first; ///< empty when there are no states, or no index of them
+    StateValues last;
+};
+
+/// The state of a block read at least to its index; of a series, the one in this row. Empty when there is none.
+StateValues state_values(const Block& block, std::int64_t row = 0);
+/// What the block tells about its states if it is a series.
+std::optional<Series> series_of(const Block& block);
+
+/// Reads one block of the file; of large tables, where the library reads pieces of them, no more than the first `rows`
+/// rows, and of a series no more states than the first and the last.
 /// A block that cannot be read, or whose counts no file can mean, is a Failure that names it.
 Block read_block(const File& file, const Entry& entry, Depth depth, std::int64_t rows = all_rows);
 
@@ -145,6 +185,14 @@ public:
     void shape(Item& item, const std::vector<std::int64_t>& extents, Depth read_at = Depth::values);
     /// The same with room for the leading rows only; the caller reads them as a piece, see Piece.
     void shape_leading(Item& item, const std::vector<std::int64_t>& extents);
+    /// For texts of a width that the block tells.
+    void shape_texts(Item& item, const std::vector<std::int64_t>& extents, std::int64_t width);
+    /// For values of `states` states of these extents each: room for all, or for the leading rows of the first and the
+    /// last state.
+    void shape_states(Item& item, std::int64_t states, const std::vector<std::int64_t>& extents);
+    void shape_states_leading(Item& item, std::int64_t states, const std::vector<std::int64_t>& extents);
+    /// How many of `count` rows are wanted.
+    std::int64_t leading_rows(std::int64_t count) const;
     /// The block's switches say that it has no such item.
     void absent(Item& item) { item.in_block = false; }
 
@@ -163,6 +211,7 @@ public:
 private:
     Item& add(std::string_view name, Stored stored, Type type, std::int32_t width);
     void set_extents(Item& item, const std::vector<std::int64_t>& extents) const;
+    void set_states(Item& item, std::int64_t states, const std::vector<std::int64_t>& extents) const;
     void claim(Item& item, std::int64_t rows);
 
     Block& block_;
@@ -183,9 +232,26 @@ struct StateIndex {
     Item& indexval;
 };
 
-/// The leading rows of an item as the count and start of a hyperslab.
+/// The items by which a series knows its states.
+struct SeriesIndex {
+    explicit SeriesIndex(BlockScan& in);
+    /// Once nindex and nstate are known; true when there is something to read.
+    bool shape(BlockScan& in) const;
+    Item& nindex;
+    Item& nstate;
+    Item& indexident;
+    Item& indexval;
+};
+
+/// The leading rows of an item, in a series those of one state, as the count and start of a hyperslab.
 struct Piece {
-    explicit Piece(const Item& item) : count{item.shape}, start(item.shape.size(), 0) { count.front() = item.rows; }
+    explicit Piece(const Item& item, std::int64_t state = 0) : count{item.shape}, start(item.shape.size(), 0)
+    {
+        count[item.is_series ? 1 : 0] = item.rows;
+        if (!item.is_series) return;
+        count.front() = 1;
+        start.front() = state;
+    }
     std::vector<std::int64_t> count;
     std::vector<std::int64_t> start;
 };

@@ -29,6 +29,12 @@ struct State {
     std::int64_t blocks = 0;
 };
 
+/// The blocks that have one series of states in common.
+struct SeriesCount {
+    std::int64_t blocks = 0;
+    Series longest; ///< of the block with the most states
+};
+
 struct Count {
     std::int64_t blocks = 0;
     std::int64_t bytes = 0;  ///< unpacked size of the blocks that can be read
@@ -38,6 +44,7 @@ struct Count {
 struct Summary {
     std::optional<Block> system;
     std::map<std::vector<std::int64_t>, State> states; ///< by state numbers, in the order of the index values
+    std::map<std::string, SeriesCount> series;         ///< by name
     std::map<std::int32_t, Count> kinds;               ///< by block key
     Count total;
     int exit_code = 0;
@@ -66,8 +73,7 @@ Summary summarize(const File& file)
         const Kind* kind = find_kind(entry.key);
         std::optional<Block> block;
         try {
-            if (kind != nullptr && kind->scan != nullptr && !file.older_layout())
-                block = read_block(file, entry, Depth::index);
+            if (kind != nullptr && !file.older_layout()) block = read_block(file, entry, Depth::index);
         } catch (const Failure& failure) { // the rest is still worth a summary
             complain("kob info", failure.what());
             summary.exit_code = failure.exit_code;
@@ -78,11 +84,11 @@ Summary summarize(const File& file)
         if (!numbers.empty()) {
             State& state = summary.states[numbers];
             ++state.blocks;
-            const Item* values = block ? block->find("indexval") : nullptr;
-            for (std::int64_t i = 0; values != nullptr && state.blocks >= 1 && i < values->read_count(); ++i) {
-                if (i == 0 && !state.values.empty()) break; // known from an earlier block
-                state.values.push_back(values->real(i));
-            }
+            if (block && state.values.empty()) state.values = state_values(*block).values;
+        }
+        if (std::optional<Series> series = block ? series_of(*block) : std::nullopt) {
+            SeriesCount& count = summary.series[series->name];
+            if (++count.blocks == 1 || series->states > count.longest.states) count.longest = std::move(*series);
         }
         if (kind != nullptr && kind->name == "system" && block) summary.system = std::move(block);
     }
@@ -163,6 +169,32 @@ std::string count_bytes(const Count& count)
     return fmt::format("{}{}", count.unread > 0 ? "at least " : "", count.bytes);
 }
 
+void print_states(const Summary& summary)
+{
+    if (summary.states.empty()) return;
+    Table states{{"STATE", "INDEX", "BLOCKS"}};
+    for (const std::size_t column : {0U, 2U}) states.align_right(column);
+    for (const auto& [numbers, state] : summary.states) {
+        std::string values;
+        for (const double value : state.values) values += (values.empty() ? "" : ", ") + number_text(value);
+        states.add({fmt::format("{}", fmt::join(numbers, ",")), values, fmt::format("{}", state.blocks)});
+    }
+    fmt::print("\n");
+    states.print();
+}
+
+void print_series(const Summary& summary)
+{
+    if (summary.series.empty()) return;
+    Table table{{"SERIES", "STATES", "FIRST", "LAST", "BLOCKS"}};
+    for (const std::size_t column : {1U, 4U}) table.align_right(column);
+    for (const auto& [name, series] : summary.series)
+        table.add({printable(name), fmt::format("{}", series.longest.states), series.longest.first.text(),
+                   series.longest.last.text(), fmt::format("{}", series.blocks)});
+    fmt::print("\n");
+    table.print();
+}
+
 void print(const File& file, const Summary& summary)
 {
     const std::int64_t stored = file.stored_bytes();
@@ -186,16 +218,8 @@ void print(const File& file, const Summary& summary)
     fmt::print("\n");
     kinds.print();
 
-    if (summary.states.empty()) return;
-    Table states{{"STATE", "INDEX", "BLOCKS"}};
-    for (const std::size_t column : {0U, 2U}) states.align_right(column);
-    for (const auto& [numbers, state] : summary.states) {
-        std::string values;
-        for (const double value : state.values) values += (values.empty() ? "" : ", ") + number_text(value);
-        states.add({fmt::format("{}", fmt::join(numbers, ",")), values, fmt::format("{}", state.blocks)});
-    }
-    fmt::print("\n");
-    states.print();
+    print_states(summary);
+    print_series(summary);
 }
 
 Json describe(const File& file, const Summary& summary)
@@ -252,6 +276,13 @@ Json describe(const File& file, const Summary& summary)
     json["states"] = Json::array();
     for (const auto& [numbers, state] : summary.states)
         json["states"].push_back({{"state", numbers}, {"index", state.values}, {"blocks", state.blocks}});
+    json["series"] = Json::array();
+    for (const auto& [name, series] : summary.series)
+        json["series"].push_back({{"name", name},
+                                  {"states", series.longest.states},
+                                  {"first", series.longest.first.values},
+                                  {"last", series.longest.last.values},
+                                  {"blocks", series.blocks}});
     return json;
 }
 

@@ -53,6 +53,18 @@ struct StateFilter {
         if (numbers.empty()) return entry.path.starts_with("constant/");
         return state_numbers(entry) == numbers;
     }
+    /// Whether a series holds the state.
+    bool accepts(const Block& block) const
+    {
+        if (numbers.empty()) return false;
+        const std::int64_t states = block.integer("nstate", 0);
+        for (std::int64_t row = 0; row < states; ++row) {
+            const StateValues state = state_values(block, row);
+            if (state.identifiers.empty()) return false; // the series has no index
+            if (state.identifiers == numbers) return true;
+        }
+        return false;
+    }
     std::vector<std::int64_t> numbers; ///< none: constant blocks
 };
 
@@ -86,9 +98,10 @@ struct Facts {
     std::string variable;
     std::string zone;
     std::optional<std::int64_t> zoneid;
-    std::vector<std::int64_t> index_identifiers;
-    std::vector<double> index_values;
-    std::vector<std::int64_t> shape; ///< of the main array; empty when the kind has none
+    std::optional<std::int64_t> entityid; ///< the one entity that a matrix belongs to
+    StateValues index;                    ///< of one state
+    std::optional<Series> series;         ///< of a series instead
+    std::vector<std::int64_t> shape;      ///< of the main array; empty when the kind has none
     std::int64_t bytes;
 };
 
@@ -106,15 +119,15 @@ Facts facts_of(const Block& block)
                 .variable = block.text(kind.variable),
                 .zone = block.text("etypzone"),
                 .zoneid = std::nullopt,
-                .index_identifiers = {},
-                .index_values = {},
+                .entityid = std::nullopt,
+                .index = {},
+                .series = series_of(block),
                 .shape = {},
                 .bytes = block.bytes()};
     if (block.find("zoneid") != nullptr) facts.zoneid = block.integer("zoneid", -1);
-    if (const Item* item = block.find("indexident"))
-        for (std::int64_t i = 0; i < item->read_count(); ++i) facts.index_identifiers.push_back(item->integer(i));
-    if (const Item* item = block.find("indexval"))
-        for (std::int64_t i = 0; i < item->read_count(); ++i) facts.index_values.push_back(item->real(i));
+    if (const Item* item = block.find("entid"); item != nullptr && item->stored == Stored::attribute)
+        facts.entityid = item->integer();
+    if (!facts.series) facts.index = state_values(block);
     if (const Item* item = kind.main.empty() ? nullptr : block.find(kind.main)) facts.shape = item->shape;
     return facts;
 }
@@ -124,11 +137,27 @@ std::string join(const std::vector<std::int64_t>& numbers, std::string_view gap)
     return fmt::format("{}", fmt::join(numbers, gap));
 }
 
+/// One text for one state; "first .. last" of a series.
+std::string range_text(const std::string& first, const std::string& last)
+{
+    return first == last ? first : fmt::format("{} .. {}", first, last);
+}
+
+std::string state_text(const Row& row)
+{
+    if (!row.facts || !row.facts->series) return join(state_numbers(row.entry), ",");
+    const Series& series = *row.facts->series;
+    return range_text(join(series.first.identifiers, ","), join(series.last.identifiers, ","));
+}
+
 std::string index_text(const Facts& facts)
 {
-    std::string text;
-    for (const double value : facts.index_values) text += (text.empty() ? "" : ", ") + number_text(value);
-    return text;
+    return facts.series ? range_text(facts.series->first.text(), facts.series->last.text()) : facts.index.text();
+}
+
+std::string entity_text(const Facts& facts)
+{
+    return facts.entityid ? fmt::format("{} {}", facts.entity, *facts.entityid) : facts.entity;
 }
 
 std::string zone_text(const Facts& facts)
@@ -138,6 +167,14 @@ std::string zone_text(const Facts& facts)
 }
 
 template <class T> Json value_or_null(const T& value) { return value.empty() ? Json{} : Json(value); }
+
+Json describe(const StateValues& state)
+{
+    Json json = Json::array();
+    for (std::size_t i = 0; i < state.values.size(); ++i)
+        json.push_back({{"ident", state.identifiers[i]}, {"value", state.values[i]}});
+    return json;
+}
 
 Json describe(const Row& row)
 {
@@ -151,9 +188,14 @@ Json describe(const Row& row)
     json["variable"] = value_or_null(facts.variable);
     json["zone"] = value_or_null(facts.zone);
     json["zoneid"] = facts.zoneid ? Json(*facts.zoneid) : Json{};
-    json["index"] = Json::array();
-    for (std::size_t i = 0; i < facts.index_values.size() && i < facts.index_identifiers.size(); ++i)
-        json["index"].push_back({{"ident", facts.index_identifiers[i]}, {"value", facts.index_values[i]}});
+    json["entityid"] = facts.entityid ? Json(*facts.entityid) : Json{};
+    json["index"] = describe(facts.index);
+    json["series"] = Json{};
+    if (facts.series)
+        json["series"] = {{"name", facts.series->name},
+                          {"states", facts.series->states},
+                          {"first", describe(facts.series->first)},
+                          {"last", describe(facts.series->last)}};
     json["shape"] = value_or_null(facts.shape);
     json["bytes"] = facts.bytes;
     return json;
@@ -171,11 +213,11 @@ void print_table(const std::vector<Row>& rows, bool with_paths)
     for (const Row& row : rows) {
         std::vector<std::string> cells{fmt::format("{}", row.entry.number), fmt::format("{}", row.entry.key),
                                        row.kind != nullptr ? std::string{row.kind->name} : "?"};
-        const std::string state = join(state_numbers(row.entry), ",");
+        const std::string state = state_text(row);
         if (row.facts) {
             const Facts& facts = *row.facts;
             cells.insert(cells.end(),
-                         {printable(facts.entity), printable(facts.variable), printable(zone_text(facts)), state,
+                         {printable(entity_text(facts)), printable(facts.variable), printable(zone_text(facts)), state,
                           index_text(facts), join(facts.shape, " x "), fmt::format("{}", facts.bytes)});
         } else {
             cells.insert(cells.end(), {"", "", "", state, "", "", ""});
@@ -199,15 +241,21 @@ int list(const Options& options)
     std::vector<Row> rows;
     for (const Entry& entry : file.entries()) {
         if (!keys.empty() && std::find(keys.begin(), keys.end(), entry.key) == keys.end()) continue;
-        if (state && !state->accepts(entry)) continue;
+        const bool is_series = entry.path.starts_with("multistate/");
+        if (state && !is_series && !state->accepts(entry)) continue;
         Row row{entry, find_kind(entry.key), std::nullopt};
-        const bool readable = row.kind != nullptr && row.kind->scan != nullptr && !file.older_layout();
+        bool accepted = !state || !is_series;
         try {
-            if (readable) row.facts = facts_of(read_block(file, entry, Depth::index));
+            if (row.kind != nullptr && !file.older_layout()) {
+                const Block block = read_block(file, entry, Depth::index);
+                accepted = accepted || state->accepts(block);
+                row.facts = facts_of(block);
+            }
         } catch (const Failure& failure) { // the others are still worth listing
             complain("kob ls", failure.what());
             exit_code = failure.exit_code;
         }
+        if (!accepted) continue;
         if (!options.variables.empty()) {
             const std::string variable = row.facts ? row.facts->variable : std::string{};
             if (std::find(options.variables.begin(), options.variables.end(), variable) == options.variables.end())

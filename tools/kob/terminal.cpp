@@ -149,23 +149,35 @@ std::string printable(std::string_view text)
     return result;
 }
 
-std::string suggestion(std::string_view word, const std::vector<std::string>& names)
+Suggestion::Suggestion(std::string_view word)
 {
     constexpr std::size_t longest_word = 512; // longer ones are no typing mistakes
-    if (word.size() > longest_word) return {};
-    const std::string wanted = lower(word);
-    std::size_t nearest = std::max<std::size_t>(2, word.size() / 3) + 1;
-    const std::string* found = nullptr;
-    for (const std::string& name : names) {
-        const std::size_t gap = name.size() > word.size() ? name.size() - word.size() : word.size() - name.size();
-        if (gap >= nearest) continue;
-        const std::size_t changes = distance(wanted, lower(name));
-        if (changes < nearest && changes < std::max(word.size(), name.size())) {
-            nearest = changes;
-            found = &name;
-        }
+    if (word.size() > longest_word) return;
+    wanted_ = lower(word);
+    nearest_ = std::max<std::size_t>(2, word.size() / 3) + 1;
+}
+
+void Suggestion::consider(std::string_view name)
+{
+    const std::size_t gap = name.size() > wanted_.size() ? name.size() - wanted_.size() : wanted_.size() - name.size();
+    if (gap >= nearest_) return;
+    const std::size_t changes = distance(wanted_, lower(name));
+    if (changes < nearest_ && changes < std::max(wanted_.size(), name.size())) {
+        nearest_ = changes;
+        found_ = name;
     }
-    return found == nullptr ? std::string{} : fmt::format(", did you mean \"{}\"?", printable(*found));
+}
+
+std::string Suggestion::text() const
+{
+    return found_.empty() ? std::string{} : fmt::format(", did you mean \"{}\"?", printable(found_));
+}
+
+std::string suggestion(std::string_view word, const std::vector<std::string>& names)
+{
+    Suggestion nearest{word};
+    for (const std::string& name : names) nearest.consider(name);
+    return nearest.text();
 }
 
 std::string number_text(double value)

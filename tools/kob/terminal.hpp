@@ -38,7 +38,20 @@ std::string trimmed(std::string_view text);
 /// Control characters and bytes that are no UTF-8 become \xNN: names in a file never reach the terminal raw.
 std::string printable(std::string_view text);
 
-/// ", did you mean ...?" for the nearest of the names, or nothing when none is near.
+/// The nearest of many names to a mistyped word. Names are considered one by one, so they need not be kept.
+class Suggestion {
+public:
+    explicit Suggestion(std::string_view word);
+    void consider(std::string_view name);
+    /// ", did you mean ...?", or nothing when none is near.
+    std::string text() const;
+
+private:
+    std::string wanted_;
+    std::size_t nearest_ = 0; ///< fewer changes than this make a name the nearest
+    std::string found_;
+};
+/// The same for a list of names.
 std::string suggestion(std::string_view word, const std::vector<std::string>& names);
 
 /// The shortest text that gives the number back; a number that a 4-byte float holds exactly is printed as such.

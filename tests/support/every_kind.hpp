@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// A block of every kind that the plain sample file of the program's tests lacks.
+#pragma once
+
+#include "kob_file.hpp"
+
+namespace kob_test {
+
+/// Text, parts, attributes, identifiers, a collector, properties, and activation flags of state 12.
+void write_model_kinds(KobFile& file);
+
+/// Element results of state 12, the three series of states, and matrices.
+void write_result_kinds(KobFile& file);
+
+/// A series of entity results alone: values 1000 times state plus number in the state plus 0.5, index values 0, 0.25, ...
+void write_series(KobFile& file, std::int32_t states, std::int32_t entities);
+
+} // namespace kob_test
