@@ -11,13 +11,13 @@
 namespace kob::merge {
 namespace {
 
-constexpr std::int64_t most_bytes_of_states = std::int64_t{1} << 30U; // of the merged series held at a time
-constexpr std::int64_t most_bytes_of_piece = std::int64_t{1} << 24U;  // of a domain's series held at a time
+constexpr std::int64_t most_bytes_of_piece = std::int64_t{1} << 24U; // of a domain's series held at a time
 
 class SeriesMerger {
 public:
-    SeriesMerger(const DomainFiles& files, const Target& target, UnionCache& unions, std::int32_t verbosity)
-        : files_{files}, target_{target}, unions_{unions}, verbosity_{verbosity}
+    SeriesMerger(const DomainFiles& files, const Target& target, UnionCache& unions, std::int32_t verbosity,
+                 std::int32_t most_bytes)
+        : files_{files}, target_{target}, unions_{unions}, verbosity_{verbosity}, most_bytes_{most_bytes}
     {
     }
 
@@ -157,11 +157,10 @@ private:
                                                 const std::string& path) const
     {
         const std::int64_t bytes = merged.values_of_state() * std::int64_t{sizeof(double)};
-        const std::int64_t fitting =
-            bytes > 0 ? std::max<std::int64_t>(most_bytes_of_states / bytes, 1) : states.size();
+        const std::int64_t fitting = bytes > 0 ? std::max<std::int64_t>(most_bytes_ / bytes, 1) : states.size();
         if (fitting < states.size() && verbosity_ > 0) {
-            say(message::merge_size_limit, kind::multi_entity_results.name,
-                static_cast<std::int32_t>(most_bytes_of_states), static_cast<std::int32_t>(fitting), path.c_str());
+            say(message::merge_size_limit, kind::multi_entity_results.name, most_bytes_,
+                static_cast<std::int32_t>(fitting), path.c_str());
         }
         return std::min(fitting, states.size());
     }
@@ -237,14 +236,15 @@ private:
     const Target& target_;
     UnionCache& unions_;
     std::int32_t verbosity_;
+    std::int32_t most_bytes_;
 };
 
 } // namespace
 
 void merge_series(const DomainFiles& files, const Target& target, UnionCache& unions, const SharedBlock& shared,
-                  std::int32_t verbosity)
+                  std::int32_t verbosity, std::int32_t most_bytes)
 {
-    SeriesMerger{files, target, unions, verbosity}.merge(shared);
+    SeriesMerger{files, target, unions, verbosity, most_bytes}.merge(shared);
 }
 
 } // namespace kob::merge

@@ -10,8 +10,10 @@
 
 namespace kob::merge {
 
-/// Unites the series of one path and writes them to the target, some states at a time.
+constexpr std::int32_t most_bytes_of_states = 1 << 30; // of a merged series held in memory at a time
+
+/// Unites the series of one path and writes them to the target, as many states at a time as the limit allows.
 void merge_series(const DomainFiles& files, const Target& target, UnionCache& unions, const SharedBlock& shared,
-                  std::int32_t verbosity);
+                  std::int32_t verbosity, std::int32_t most_bytes = most_bytes_of_states);
 
 } // namespace kob::merge

@@ -129,6 +129,14 @@ FoundFilters filters_of(const DistributedRun& run, const std::string& path)
     return found;
 }
 
+/// Makes the groups that lead to a copied object.
+Hid intermediate_groups()
+{
+    Hid list = H5Pcreate(H5P_LINK_CREATE);
+    H5Pset_create_intermediate_group(list, 1);
+    return list;
+}
+
 // ---- the cut model is whole again
 
 class CutModel : public testing::TestWithParam<std::int32_t> {};
@@ -770,6 +778,77 @@ TEST(Merge, StopsAtAHandleThatIsNone)
 
     EXPECT_LT(status, 0);
     EXPECT_EQ(err, " WARNING file [1]:  NO        KOB blocks found\n");
+}
+
+/// All groups below that hold a block, by path.
+std::vector<std::string> block_paths(hid_t group, const std::string& path = "")
+{
+    std::vector<std::string> found;
+    for (const std::string& name : link_names(group)) {
+        const Hid object = H5Oopen(group, name.c_str(), H5P_DEFAULT);
+        const std::string below = path.empty() ? name : path + "/" + name;
+        if (name == "kobblock") {
+            found.push_back(below);
+        } else if (H5Iget_type(object) == H5I_GROUP) {
+            const std::vector<std::string> deeper = block_paths(object, below);
+            found.insert(found.end(), deeper.begin(), deeper.end());
+        }
+    }
+    return found;
+}
+
+/// Merges a file that holds one damaged block of each path in turn. What counts is that nothing worse than a status
+/// comes of it, and that a failure is told.
+template <class Damage> void merge_damaged(Damage&& damage)
+{
+    int stopped = 0;
+    KobFile intact;
+    BarModel::write_shared({intact.handle()});
+    BarModel{9}.write({intact.handle()}, BarModel{9}.whole());
+    BlockWriter{intact.handle()}.element_results({.etyp = "BAR", .etypvar = "FORCE"}, {1}, {1, 2});
+    for (const std::string& path : block_paths(intact.handle())) {
+        for (const std::string& item : damage(intact, path, "")) {
+            DistributedRun run{2};
+            for (const std::size_t number : {1, 2}) {
+                const Hid groups = intermediate_groups();
+                ASSERT_GE(H5Ocopy(intact.handle(), path.c_str(), run.file(number).handle(), path.c_str(), H5P_DEFAULT,
+                                  groups),
+                          0);
+            }
+            damage(run.file(2), path, item);
+            run.stamp();
+            const std::int32_t status = run.merge();
+            stopped += status == 0 ? 0 : 1;
+            if (status != 0) EXPECT_THAT(run.err, HasSubstr("KOB ERROR")) << path << " " << item;
+        }
+    }
+    EXPECT_GT(stopped, 50) << "merges that the damage ended";
+}
+
+TEST(Merge, SurvivesAnyWrongCount)
+{
+    for (const std::int32_t wrong : {-3, 1000000000}) {
+        merge_damaged([wrong](const KobFile& file, const std::string& path, const std::string& item) {
+            const std::int64_t block = file.block(path);
+            std::vector<std::string> counts;
+            for (const std::string& name : attribute_names(block)) {
+                const Hid attribute = H5Aopen(block, name.c_str(), H5P_DEFAULT);
+                if (name != "block" && H5Tget_class(Hid{H5Aget_type(attribute)}) == H5T_INTEGER) counts.push_back(name);
+            }
+            if (!item.empty()) set_int_attribute(block, item, wrong);
+            return counts;
+        });
+    }
+}
+
+TEST(Merge, SurvivesAnyMissingDataset)
+{
+    merge_damaged([](const KobFile& file, const std::string& path, const std::string& item) {
+        const std::int64_t block = file.block(path);
+        std::vector<std::string> datasets = link_names(block);
+        if (!item.empty()) EXPECT_GE(H5Ldelete(block, item.c_str(), H5P_DEFAULT), 0);
+        return datasets;
+    });
 }
 
 // ---- lines
