@@ -178,13 +178,17 @@ public:
         if (kob_type != type_code::real && data_size > kob_size) {
             return refuse(narrower_file, printable(data_size));
         }
-        const bool exists = options.place == Place::unknown && has_link(location, name);
+        // A dataset that opens is there; only one that doesn't is looked for.
+        if (options.place == Place::unknown) {
+            dataset_ = Id{H5Dopen2(location, name, H5P_DEFAULT), H5Dclose};
+        }
+        const bool exists = dataset_ || (options.place == Place::unknown && has_link(location, name));
         if (!exists && dims == nullptr) {
             return refuse(no_dims);
         }
         SharedIds own;
         SharedIds& ids = options.shared != nullptr ? *options.shared : own;
-        if (const std::int32_t result = exists ? open() : create(ids); result != 0) {
+        if (const std::int32_t result = exists ? reuse() : create(ids); result != 0) {
             return result;
         }
         if (options.leading_extent != nullptr) {
@@ -200,17 +204,16 @@ private:
         return condition.code;
     }
 
-    std::int32_t open()
+    std::int32_t reuse()
     {
         using namespace dataset_write;
-        dataset_ = Id{H5Dopen2(location, name, H5P_DEFAULT), H5Dclose};
         stored_.owned = Id{H5Dget_type(dataset_.get()), H5Tclose};
         stored_.type = stored_.owned.get();
         if (const H5T_class_t found = stored_class(stored_.type); found != type_class_) {
             return refuse(other_class, found);
         }
-        const Id space{H5Dget_space(dataset_.get()), H5Sclose};
-        StoredShape shape = stored_shape(space.get());
+        space_ = Id{H5Dget_space(dataset_.get()), H5Sclose};
+        StoredShape shape = stored_shape(space_.get());
         if (rank > 0 ? shape.rank != rank : shape.elements != 1) {
             return refuse(other_rank, shape.rank);
         }
@@ -231,6 +234,9 @@ private:
             }
             if (const herr_t result = H5Dset_extent(dataset_.get(), shape.extents.data()); result < 0) {
                 return refuse(extend, result);
+            }
+            if (H5Sset_extent_simple(space_.get(), shape.rank, shape.extents.data(), shape.maximum.data()) < 0) {
+                return refuse(extend);
             }
         }
         elements_ = product(extents);
@@ -263,8 +269,8 @@ private:
         if (!is_addressable({extents.data(), used}, kob_size)) {
             return refuse(create_dataspace);
         }
-        const Id array{rank > 0 ? H5Screate_simple(rank, extents.data(), dims) : H5I_INVALID_HID, H5Sclose};
-        const hid_t space = rank > 0 ? array.get() : ids.scalar();
+        space_ = Id{rank > 0 ? H5Screate_simple(rank, extents.data(), dims) : H5I_INVALID_HID, H5Sclose};
+        const hid_t space = rank > 0 ? space_.get() : ids.scalar();
         if (space < 0) {
             return refuse(create_dataspace);
         }
@@ -289,11 +295,9 @@ private:
     std::int32_t transfer()
     {
         using namespace dataset_write;
-        Id file;
         Id memory;
         if (mode != access_mode::whole) {
-            file = Id{H5Dget_space(dataset_.get()), H5Sclose};
-            if (!file || !selection.select(file.get())) {
+            if (!space_ || !selection.select(space_.get())) {
                 return refuse(file_dataspace);
             }
             memory = selection.memory_space();
@@ -310,13 +314,13 @@ private:
             const std::size_t size = H5Tget_size(stored_.type);
             if (size != kob_size && data != nullptr) {
                 const hssize_t elements =
-                    mode == access_mode::whole ? static_cast<hssize_t>(elements_) : H5Sget_select_npoints(file.get());
+                    mode == access_mode::whole ? static_cast<hssize_t>(elements_) : H5Sget_select_npoints(space_.get());
                 texts = repacked_texts(data, static_cast<std::size_t>(elements), kob_size, size);
                 source = texts.data();
             }
         }
         const herr_t result = H5Dwrite(dataset_.get(), transferred, mode == access_mode::whole ? H5S_ALL : memory.get(),
-                                       mode == access_mode::whole ? H5S_ALL : file.get(), H5P_DEFAULT, source);
+                                       mode == access_mode::whole ? H5S_ALL : space_.get(), H5P_DEFAULT, source);
         if (result < 0) {
             return refuse(write, result);
         }
@@ -331,6 +335,7 @@ private:
     hid_t memory_ = H5I_INVALID_HID;
     hid_t native_ = H5I_INVALID_HID;
     Id dataset_;
+    Id space_; ///< the dataset's; none for a new scalar
     FileType stored_;
     hsize_t elements_ = 0;
     hsize_t leading_extent_ = 0;
