@@ -50,13 +50,11 @@ OpenedGroup failed(std::int32_t status) { return {Id{}, status}; }
 
 Id open_path(hid_t parent, const std::string& path) { return {H5Gopen2(parent, path.c_str(), H5P_DEFAULT), H5Gclose}; }
 
-// A new block mostly joins others: all but the last two levels of its path are there, and one call opens them.
-constexpr std::size_t levels_expected_missing = 2;
-
 /// Opens a group on the path to go on from; `depth` counts its level.
-Id open_parent(hid_t parent, const std::string& path, const std::vector<Level>& levels, std::size_t& depth)
+Id open_parent(hid_t parent, const std::string& path, const std::vector<Level>& levels, std::size_t expected_missing,
+               std::size_t& depth)
 {
-    depth = levels.size() - std::min(levels.size(), levels_expected_missing);
+    depth = levels.size() - std::min(levels.size(), expected_missing);
     if (depth > 0) {
         if (Id group = open_path(parent, path.substr(0, levels[depth - 1].end))) {
             return group;
@@ -66,11 +64,12 @@ Id open_parent(hid_t parent, const std::string& path, const std::vector<Level>& 
     return open_path(parent, !path.empty() && path.front() == '/' ? "/" : ".");
 }
 
-OpenedGroup create_levels(hid_t parent, const std::string& path, LevelProperties properties)
+OpenedGroup create_levels(hid_t parent, const std::string& path, LevelProperties properties,
+                          std::size_t expected_missing)
 {
     const std::vector<Level> levels = levels_of(path);
     std::size_t depth = 0;
-    Id group = open_parent(parent, path, levels, depth);
+    Id group = open_parent(parent, path, levels, expected_missing, depth);
     std::int32_t created = 0;
     for (; depth < levels.size(); ++depth) {
         const Level& level = levels[depth];
@@ -105,10 +104,11 @@ bool exists(hid_t parent, const std::string& path)
 
 } // namespace
 
-OpenedGroup open_group(hid_t parent, const std::string& path, std::int32_t ioflag, LevelProperties properties)
+OpenedGroup open_group(hid_t parent, const std::string& path, std::int32_t ioflag, LevelProperties properties,
+                       std::size_t expected_missing)
 {
     if (ioflag == io_flag::create) {
-        return create_levels(parent, path, properties);
+        return create_levels(parent, path, properties, expected_missing);
     }
     if (ioflag != io_flag::open && ioflag != io_flag::open_levels) {
         report_error(message::group_invalid_ioflag, ioflag);

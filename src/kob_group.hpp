@@ -26,7 +26,11 @@ struct OpenedGroup {
 /// Called for every level that is about to be created: its name and the creation properties to set.
 using LevelProperties = Id (*)(const std::string& level);
 
-OpenedGroup open_group(hid_t parent, const std::string& path, std::int32_t ioflag,
-                       LevelProperties properties = nullptr);
+/// How many levels at the end of a path are likely not there yet: a new block mostly joins others.
+constexpr std::size_t usually_missing = 2;
+
+/// `expected_missing` decides how much of the path one call opens before its levels are looked for, nothing else.
+OpenedGroup open_group(hid_t parent, const std::string& path, std::int32_t ioflag, LevelProperties properties = nullptr,
+                       std::size_t expected_missing = usually_missing);
 
 } // namespace kob

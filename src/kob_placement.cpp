@@ -93,7 +93,9 @@ std::string BlockPath::text() const
 
 OpenedGroup open_block_group(hid_t parent, const BlockPath& path, std::int32_t ioflag)
 {
-    return open_block_group(parent, path.text(), ioflag);
+    // A series is written state by state: but for the first time all of its path is there.
+    const std::size_t expected_missing = path.validity.nstate == multi_state ? 0 : usually_missing;
+    return open_group(parent, path.text(), ioflag, level_properties, expected_missing);
 }
 
 OpenedGroup open_block_group(hid_t parent, const std::string& path, std::int32_t ioflag)
