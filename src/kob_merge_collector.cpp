@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <map>
 #include <set>
+#include <tuple>
 
 namespace kob::merge {
 namespace {
@@ -30,7 +31,11 @@ Collector unite_collectors(const DomainFiles& files, const SharedBlock& shared)
         std::int32_t collector;
         std::int32_t type;
         std::int32_t entity;
-        auto operator<=>(const Member&) const = default;
+        bool operator==(const Member&) const = default;
+        bool operator<(const Member& other) const
+        {
+            return std::tie(collector, type, entity) < std::tie(other.collector, other.type, other.entity);
+        }
     };
     Collector merged;
     std::set<std::int32_t> collectors;

@@ -52,12 +52,11 @@ public:
         const auto n = static_cast<std::int32_t>(handles.size());
         const auto nexp = static_cast<std::int32_t>(exponents.size());
         std::int32_t status = 77;
-        const CapturedStreams lines{[&] {
-            KOB_MERGE_DMP(handles.data(), target.address(), &n, &filter_flags, filter_params.data(), &nexp,
-                          names.data(), exponents.data(), &options, &float_size, &status);
-        }};
-        out = lines.out;
-        err = lines.err;
+        CapturedStream captured;
+        KOB_MERGE_DMP(handles.data(), target.address(), &n, &filter_flags, filter_params.data(), &nexp, names.data(),
+                      exponents.data(), &options, &float_size, &status);
+        out = captured.out();
+        err = captured.err();
         return status;
     }
 
@@ -72,18 +71,6 @@ public:
     std::string err;
 
 private:
-    struct CapturedStreams {
-        template <class Call> explicit CapturedStreams(Call&& call)
-        {
-            CapturedStream captured;
-            call();
-            out = captured.out();
-            err = captured.err();
-        }
-        std::string out;
-        std::string err;
-    };
-
     std::vector<std::unique_ptr<KobFile>> files_;
 };
 
