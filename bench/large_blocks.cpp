@@ -15,7 +15,7 @@ std::size_t size(std::int64_t extent) { return static_cast<std::size_t>(extent);
 } // namespace
 
 ElementBlock::ElementBlock(const ElementSet& set)
-    : nele{set.nele}, numl{set.numl}, ncoo{set.ncoo}, idele(size(nele), -1), eloc(size(numl * ndim), -1),
+    : nele{set.nele}, numl{set.numl}, ncoo{set.ncoo}, idele(size(nele), -1), eloc(size(std::int64_t{numl} * ndim), -1),
       res(size(std::int64_t{nele} * numl * ncoo), -1)
 {
 }
