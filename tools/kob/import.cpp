@@ -3,18 +3,15 @@
 
 #include "import.hpp"
 
-#include <cerrno>
-#include <cstring>
 #include <filesystem>
 #include <limits>
 #include <memory>
 #include <optional>
 #include <vector>
 
-#include <unistd.h>
-
 #include <CLI/CLI.hpp>
 
+#include "draft.hpp"
 #include "import_frd.hpp"
 #include "terminal.hpp"
 #include "verbs.hpp"
@@ -24,48 +21,6 @@ namespace kob::program {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// A name beside the target that becomes the target when all went well, and vanishes otherwise.
-class Draft {
-public:
-    explicit Draft(fs::path target)
-        : target_{std::move(target)}, path_{target_.string() + fmt::format(".part-{}", ::getpid())}
-    {
-    }
-    ~Draft()
-    {
-        std::error_code ignored;
-        fs::remove(path_, ignored);
-    }
-    Draft(const Draft&) = delete;
-    Draft& operator=(const Draft&) = delete;
-
-    const fs::path& path() const { return path_; }
-
-    void become_target(bool replace)
-    {
-        // A link is refused where a target appeared meanwhile; a rename would replace it.
-        if (!replace) {
-            if (::link(path_.c_str(), target_.c_str()) == 0) return; // the draft's own name goes with this object
-            if (errno == EEXIST) refuse();
-        }
-        std::error_code error;
-        fs::rename(path_, target_, error);
-        if (error) {
-            throw Failure{exit_cannot_read,
-                          fmt::format("cannot write \"{}\": {}", printable(target_.string()), error.message())};
-        }
-    }
-
-    [[noreturn]] void refuse() const
-    {
-        throw Failure{exit_usage, fmt::format("\"{}\" exists; --force replaces it", printable(target_.string()))};
-    }
-
-private:
-    fs::path target_;
-    fs::path path_;
-};
 
 void check(const ImportOptions& options)
 {
