@@ -227,10 +227,12 @@ void File::read_header()
 std::int64_t File::stored_bytes() const
 {
     struct stat info {};
-    const std::string existing = existing_part(path_);
+    const std::string existing = disk_path();
     if (existing.empty() || stat(existing.c_str(), &info) != 0) return -1;
     return info.st_size;
 }
+
+std::string File::disk_path() const { return existing_part(path_); }
 
 Group::Group(std::int64_t parent, const std::string& path)
 {

@@ -50,6 +50,8 @@ public:
     const OpenReport& report() const { return report_; }
     /// Size on disk of the file that was opened; -1 when it cannot be told.
     std::int64_t stored_bytes() const;
+    /// The file on disk: the path without a group inside the file.
+    std::string disk_path() const;
     /// Whether the header is there, and what it says.
     const Header* header() const { return has_header_ ? &header_ : nullptr; }
     bool older_layout() const { return has_header_ && header_.older_layout(); }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The program kob: lists and shows result files and makes them from other formats.
+// The program kob: lists, shows, makes, cuts, links and merges result files.
 
 #include "terminal.hpp"
 #include "verbs.hpp"
@@ -37,7 +37,7 @@ const char* first_word(int argc, char** argv)
 int main(int argc, char** argv)
 {
     int exit_code = 0;
-    CLI::App app{"Lists and shows KOB result files and makes them from other formats.", "kob"};
+    CLI::App app{"Lists, shows, makes, cuts, links and merges KOB result files.", "kob"};
     app.set_version_flag("--version", [] { return trimmed(KOB_get_module_info(1)); });
     app.require_subcommand(1);
     app.footer("Results go to standard output, messages to standard error.\n"
@@ -46,6 +46,11 @@ int main(int argc, char** argv)
     add_ls(app, exit_code);
     add_show(app, exit_code);
     add_import(app, exit_code);
+    add_erase(app, exit_code);
+    add_link(app, exit_code);
+    add_merge(app, exit_code);
+    add_split(app, exit_code);
+    add_params(app, exit_code);
 
     if (const char* word = first_word(argc, argv)) {
         const std::vector<std::string> verbs = verb_names(app);

@@ -16,5 +16,10 @@ void add_ls(CLI::App& app, int& exit_code);
 void add_show(CLI::App& app, int& exit_code);
 void add_info(CLI::App& app, int& exit_code);
 void add_import(CLI::App& app, int& exit_code);
+void add_erase(CLI::App& app, int& exit_code);
+void add_link(CLI::App& app, int& exit_code);
+void add_merge(CLI::App& app, int& exit_code);
+void add_params(CLI::App& app, int& exit_code);
+void add_split(CLI::App& app, int& exit_code);
 
 } // namespace kob::program
