@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cerrno>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -34,11 +33,6 @@ const std::array<ElementType, element_types> element_type = {{
     {"BE3", 3, 1},
 }};
 
-Error::Error(std::int64_t line, const std::string& text)
-    : std::runtime_error{line > 0 ? fmt::format("line {}: {}", line, text) : text}, line_{line}
-{
-}
-
 bool operator==(const Component& a, const Component& b)
 {
     return a.name == b.name && a.kind == b.kind && a.row == b.row && a.col == b.col;
@@ -48,70 +42,6 @@ const Parameter* Result::parameter(std::string_view key) const
 {
     const auto found = std::find_if(parameters.begin(), parameters.end(), [&](const auto& p) { return p.key == key; });
     return found == parameters.end() ? nullptr : &*found;
-}
-
-// --- lines ---------------------------------------------------------------------------------------------------------
-
-namespace {
-
-constexpr std::size_t buffer_size = std::size_t{1} << 18;
-constexpr std::size_t longest_line = std::size_t{1}
-                                     << 16; // records have some 90 characters; a binary file has no lines
-
-} // namespace
-
-Lines::Lines(const std::string& path) : file_{std::fopen(path.c_str(), "rb")}, buffer_(buffer_size)
-{
-    if (!file_) throw Error(0, fmt::format("cannot open \"{}\": {}", path, std::strerror(errno)));
-}
-
-bool Lines::refill()
-{
-    const std::size_t rest = size_ - pos_;
-    std::memmove(buffer_.data(), buffer_.data() + pos_, rest);
-    start_ += static_cast<std::int64_t>(pos_);
-    pos_ = 0;
-    size_ = rest + std::fread(buffer_.data() + rest, 1, buffer_.size() - rest, file_.get());
-    if (std::ferror(file_.get())) throw Error(number_ + 1, fmt::format("cannot read on: {}", std::strerror(errno)));
-    return size_ > rest;
-}
-
-bool Lines::next(std::string_view& line)
-{
-    std::size_t searched = 0;
-    const char* end = nullptr;
-    for (;;) {
-        const char* begin = buffer_.data() + pos_;
-        if (size_ > pos_ + searched) {
-            end = static_cast<const char*>(std::memchr(begin + searched, '\n', size_ - pos_ - searched));
-        }
-        if (end) break;
-        searched = size_ - pos_;
-        if (searched > longest_line) throw Error(number_ + 1, "the line is too long for a result file in text form");
-        if (!refill()) break;
-    }
-    const char* begin = buffer_.data() + pos_;
-    if (!end && size_ == pos_) return false;
-    std::size_t length = end ? static_cast<std::size_t>(end - begin) : size_ - pos_;
-    pos_ += length + (end ? 1 : 0);
-    ++number_;
-    while (length > 0 && begin[length - 1] == '\r') --length;
-    line = {begin, length};
-    return true;
-}
-
-void Lines::go_to(const Mark& mark)
-{
-    number_ = mark.line - 1;
-    if (mark.offset >= start_ && mark.offset <= start_ + static_cast<std::int64_t>(size_)) {
-        pos_ = static_cast<std::size_t>(mark.offset - start_);
-        return;
-    }
-    if (fseeko(file_.get(), mark.offset, SEEK_SET) != 0) {
-        throw Error(mark.line, "the file cannot be read twice; a pipe will not do");
-    }
-    start_ = mark.offset;
-    pos_ = size_ = 0;
 }
 
 // --- fields --------------------------------------------------------------------------------------------------------
@@ -333,8 +263,10 @@ private:
         if (trim(line_).empty()) return false;
         const bool first = !std::exchange(seen_, true);
         if (starts(line_, "    1C")) {
+            header();
             if (const auto name = field(line_, 6, 6); !name.empty()) out_.user.emplace_back(name);
         } else if (starts(line_, "    1U")) {
+            header();
             out_.user.emplace_back(field(line_, 6, line_.size()));
             material(line_.substr(6));
         } else if (starts(line_, "    1P")) {
@@ -351,6 +283,13 @@ private:
             foreign(first);
         }
         return false;
+    }
+
+    void header()
+    {
+        std::string_view text = line_;
+        while (!text.empty() && (text.back() == ' ' || text.back() == '\0')) text.remove_suffix(1);
+        out_.header.emplace_back(text);
     }
 
     void foreign(bool first)
@@ -568,7 +507,7 @@ void read_nodes(Lines& lines, const Section& section, Nodes& nodes)
 }
 
 void read_elements(Lines& lines, const Section& section, const Outline& outline,
-                   std::array<Elements, element_types>& elements)
+                   std::array<Elements, element_types>& elements, std::vector<std::int32_t>* sequence)
 {
     const std::size_t width = id_width(section.long_ids);
     Elements* current = nullptr; // none: the element is skipped, as the outline says
@@ -584,6 +523,7 @@ void read_elements(Lines& lines, const Section& section, const Outline& outline,
             current = nullptr;
             const std::int32_t type = read_type(line, section, number);
             if (!is_known(type)) return;
+            if (sequence) sequence->push_back(type);
             current = &elements[static_cast<std::size_t>(type)];
             current->ids.push_back(integer(line, after_key, width, number, "element number"));
             current->groups.push_back(integer(line, after_key + width + 5, 5, number, "element group", true));

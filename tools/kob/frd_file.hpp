@@ -5,54 +5,17 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <map>
-#include <memory>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "text_lines.hpp"
+
 namespace frd {
 
-/// The file is not what it should be; `what()` names the line.
-class Error : public std::runtime_error {
-public:
-    Error(std::int64_t line, const std::string& text);
-    std::int64_t line() const { return line_; }
-
-private:
-    std::int64_t line_;
-};
-
-/// The lines of a file, with their numbers and offsets, and a way back to a line seen before.
-class Lines {
-public:
-    struct Mark {
-        std::int64_t offset = 0;
-        std::int64_t line = 0; ///< number of the line at the offset, from 1
-    };
-
-    explicit Lines(const std::string& path); ///< throws Error (line 0) when the file cannot be opened
-
-    bool next(std::string_view& line); ///< without line end; valid until the next call
-    std::int64_t number() const { return number_; }
-    Mark after() const { return {start_ + static_cast<std::int64_t>(pos_), number_ + 1}; }
-    void go_to(const Mark& mark);
-
-private:
-    bool refill();
-
-    struct Close {
-        void operator()(std::FILE* file) const { std::fclose(file); }
-    };
-    std::unique_ptr<std::FILE, Close> file_;
-    std::vector<char> buffer_;
-    std::size_t pos_ = 0;
-    std::size_t size_ = 0;
-    std::int64_t start_ = 0; ///< offset of the buffer's first byte in the file
-    std::int64_t number_ = 0;
-};
+using text::Error;
+using text::Lines;
 
 /// Where the data records of a block stand.
 struct Section {
@@ -93,7 +56,8 @@ struct Result {
 
 /// What stands where in a file.
 struct Outline {
-    std::vector<std::string> user; ///< texts of the "1U" records
+    std::vector<std::string> header; ///< the "1C" and "1U" records, whole, without blanks at the end
+    std::vector<std::string> user;   ///< texts of the "1U" records
     std::vector<Section> nodes;
     std::vector<Section> elements;
     std::vector<Result> results;
@@ -130,8 +94,9 @@ struct Table {
 Outline outline(Lines& lines);
 // Those of the mesh append.
 void read_nodes(Lines& lines, const Section& section, Nodes& nodes);
+/// `sequence`, if given, gets the type of each element in the order of the file.
 void read_elements(Lines& lines, const Section& section, const Outline& outline,
-                   std::array<Elements, element_types>& elements);
+                   std::array<Elements, element_types>& elements, std::vector<std::int32_t>* sequence = nullptr);
 Table read_result(Lines& lines, const Result& result);
 
 /// All numbers of a text, also where they run together ("-1.0E+00-2.0E+00", "1.0-300"); false: something else stands there.

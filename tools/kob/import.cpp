@@ -13,6 +13,7 @@
 
 #include "draft.hpp"
 #include "import_frd.hpp"
+#include "import_matrix.hpp"
 #include "terminal.hpp"
 #include "verbs.hpp"
 
@@ -34,6 +35,34 @@ void check(const ImportOptions& options)
     if (fs::is_directory(options.input, ignored)) {
         throw Failure{exit_cannot_read, fmt::format("\"{}\" is a folder", printable(options.input))};
     }
+}
+
+/// What the file is, its name says.
+std::unique_ptr<Source> open_source(const ImportOptions& options)
+{
+    const std::string extension = fs::path{options.input}.extension().string();
+    const bool market = extension == ".mtx";
+    const bool equations = EquationsImport::is_meant(extension);
+    const auto refuse = [&](const char* option, const char* reason) {
+        throw Failure{exit_usage, fmt::format("{} {}", option, reason)};
+    };
+    if (market) {
+        if (options.entity.empty()) refuse("--entity", "is needed: the type of the entity that the matrix belongs to");
+        if (options.variable.empty()) refuse("--variable", "is needed: the name of the matrix");
+    } else {
+        const char* reason = "is for Matrix Market files (.mtx) alone";
+        if (!options.entity.empty()) refuse("--entity", reason);
+        if (!options.variable.empty()) refuse("--variable", reason);
+        if (options.id) refuse("--id", reason);
+        if (!options.form.empty()) refuse("--as", reason);
+    }
+    if (market || equations) {
+        if (options.series) refuse("--series", "is for result files: a matrix has no states");
+        if (!options.units.empty()) refuse("--units", "is for result files: a matrix has no units");
+    }
+    if (market) return std::make_unique<MarketImport>(options);
+    if (equations) return std::make_unique<EquationsImport>(options);
+    return std::make_unique<FrdImport>(options);
 }
 
 /// "DISP=6" as a name and the decimal digits to keep.
@@ -67,7 +96,7 @@ int import_file(const ImportOptions& options)
     std::error_code ignored;
     if (!options.force && fs::exists(options.output, ignored)) draft.refuse();
 
-    std::optional<FrdImport> source;
+    std::unique_ptr<Source> source;
     std::size_t told = 0;
     const auto tell = [&] {
         for (; source && told < source->warnings().size(); ++told) {
@@ -75,13 +104,13 @@ int import_file(const ImportOptions& options)
         }
     };
     try {
-        source.emplace(options);
+        source = open_source(options);
         tell();
         Target target{draft.path().string(), options.storage};
         source->write(target);
         target.close();
         tell();
-    } catch (const frd::Error& error) {
+    } catch (const text::Error& error) {
         throw Failure{exit_cannot_read, fmt::format("{}: {}", printable(options.input), printable(error.what()))};
     }
     draft.become_target(options.force);
@@ -90,9 +119,12 @@ int import_file(const ImportOptions& options)
 
 void add_import(CLI::App& app, int& exit_code)
 {
-    auto* verb = app.add_subcommand("import", "turn a solver's result file (.frd) into a KOB file");
+    auto* verb =
+        app.add_subcommand("import", "turn a solver's result file (.frd) or a matrix (.mtx, .sti) into a KOB file");
     auto options = std::make_shared<ImportOptions>();
-    verb->add_option("RESULT", options->input, "ASCII result file (.frd)")->required();
+    verb->add_option("INPUT", options->input,
+                     "ASCII result file (.frd), Matrix Market file (.mtx), or stored matrices (.sti, .mas, .dof)")
+        ->required();
     verb->add_option("OUTPUT", options->output, "KOB file to write")->required();
     verb->add_option(
         "--units", options->units,
@@ -107,6 +139,15 @@ void add_import(CLI::App& app, int& exit_code)
     verb->add_option("--scale", *scales,
                      "VARIABLE=DIGITS: keep this many decimal digits of a result, and store it in fewer bits")
         ->take_all();
+    verb->add_flag("--series", options->series, "store the states of a result in one block, not in one for each state");
+    verb->add_option("--entity", options->entity, "of a .mtx file: type of the entity that the matrix belongs to");
+    verb->add_option("--variable", options->variable, "of a .mtx file: name of the matrix");
+    verb->add_option("--id", options->id, "of a .mtx file: identifier of the entity (default: 1)")
+        ->check(CLI::Range(0, std::numeric_limits<std::int32_t>::max()));
+    verb->add_option("--as", options->form,
+                     "of a .mtx file: kind of block (default: sparse for coordinates, dense or "
+                     "triangular for an array)")
+        ->check(CLI::IsMember({"sparse", "dense", "triangular"}));
     verb->add_flag("--force", options->force, "replace the output if it exists");
     verb->callback([options, scales, &exit_code] {
         for (const auto& text : *scales) add_scale(options->storage, text);

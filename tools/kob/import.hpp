@@ -4,7 +4,9 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace kob::program {
 
@@ -21,7 +23,31 @@ struct ImportOptions {
     std::string output;
     std::string units; ///< "length,mass,time[,temperature]"; empty: none are claimed
     Storage storage;
-    bool force = false; ///< replace an existing output
+    bool force = false;  ///< replace an existing output
+    bool series = false; ///< the states of a result in one block
+
+    // Of a matrix file alone.
+    std::string entity;   ///< type of the entity that the matrix belongs to
+    std::string variable; ///< name of the matrix
+    std::optional<std::int32_t> id;
+    std::string form; ///< sparse, dense or triangular; empty: as the file
+};
+
+class Target;
+
+/// An input that was looked through and waits to be written.
+class Source {
+public:
+    Source() = default;
+    virtual ~Source() = default;
+    Source(const Source&) = delete;
+    Source& operator=(const Source&) = delete;
+
+    virtual void write(Target& target) = 0;
+    const std::vector<std::string>& warnings() const { return warnings_; }
+
+protected:
+    std::vector<std::string> warnings_;
 };
 
 /// Imports a file under a temporary name beside the output and renames it when it is complete.

@@ -162,18 +162,13 @@ std::string without_colons(std::string text)
 
 FrdImport::FrdImport(const ImportOptions& options)
     : options_{options}, units_{options.units.empty() ? std::vector<BaseUnit>{} : parse_units(options.units)},
-      lines_{options.input}, outline_{frd::outline(lines_)}, warnings_{outline_.warnings}
+      lines_{options.input}, outline_{frd::outline(lines_)}
 {
-    std::string lost;
-    for (const char* key : {"USER", "HOST", "COMPILETIME", "DIR", "DBN", "MAT"}) {
-        if (!header_value(outline_, key).empty()) lost += fmt::format("{}{}", lost.empty() ? "" : ", ", key);
-    }
-    if (!lost.empty()) warnings_.push_back(fmt::format("header records not imported: {}", lost));
-
+    warnings_ = outline_.warnings;
     plan_states();
     for (auto& info : states_) {
         plan_pairs(info);
-        plan_sets(info);
+        if (!options_.series) plan_sets(info); // a series finds its sets when it sees the nodes
         plan_index(info);
     }
     plan_variables();
@@ -356,9 +351,10 @@ void FrdImport::write(Target& target)
         target.write(v);
         target.write_group(v);
     }
+    if (!outline_.header.empty()) target.write_text("HEADER", outline_.header);
     write_mesh(target);
+    write_state_results(target);
     for (const auto& info : states_) {
-        write_state(target, info);
         for (const std::size_t i : info.plans) {
             if (plans_[i].result) write_result(target, plans_[i]);
         }
@@ -376,9 +372,14 @@ void FrdImport::write_mesh(Target& target)
             warnings_.push_back(fmt::format("node {} stands in the file more than once: all are imported", *twice));
         }
         target.write(Results{node, "COORDINATE", 3, -1, false, nullptr, &nodes.ids, &nodes.coordinates});
+        target.write(Identifiers{node, 1, &nodes.ids, &nodes.ids});
     }
     std::array<frd::Elements, frd::element_types> elements;
-    for (const auto& section : outline_.elements) frd::read_elements(lines_, section, outline_, elements);
+    std::vector<std::int32_t> sequence;
+    for (const auto& section : outline_.elements) frd::read_elements(lines_, section, outline_, elements, &sequence);
+    write_parts(target, elements);
+    write_groups(target, elements);
+    if (!sequence.empty()) write_identifiers(target, elements, sequence);
     for (std::size_t type = 1; type < frd::element_types; ++type) {
         const auto& e = elements[type];
         if (e.ids.empty()) continue;
@@ -389,26 +390,98 @@ void FrdImport::write_mesh(Target& target)
     }
 }
 
-/// What the file says about the state itself: an entity of its own.
-void FrdImport::write_state(Target& target, const StateInfo& info)
+/// A part for each material that the file numbers or an element names.
+void FrdImport::write_parts(Target& target, const std::array<frd::Elements, frd::element_types>& elements)
 {
-    const frd::Result& r = *info.first;
-    const std::vector<std::int32_t> id = {info.state.number};
-    const auto put = [&](const std::string& variable, const std::vector<double>& values) {
+    std::map<std::int32_t, std::string> titles;
+    for (const auto& [name, number] : outline_.materials) titles.try_emplace(number, name);
+    for (const auto& e : elements) {
+        for (const std::int32_t material : e.materials) titles.try_emplace(material);
+    }
+    if (titles.empty()) return;
+    std::vector<std::int32_t> ids;
+    std::vector<std::string> names;
+    for (const auto& [number, name] : titles) {
+        ids.push_back(number);
+        names.push_back(name);
+    }
+    target.write(Parts{&ids, &names});
+}
+
+/// Elements that have a group number, group by group.
+void FrdImport::write_groups(Target& target, const std::array<frd::Elements, frd::element_types>& elements)
+{
+    std::map<std::int32_t, std::vector<std::int32_t>> groups;
+    for (const auto& e : elements) {
+        for (std::size_t i = 0; i < e.ids.size(); ++i) {
+            if (e.groups[i] != 0) groups[e.groups[i]].push_back(e.ids[i]);
+        }
+    }
+    if (groups.empty()) return;
+    std::vector<std::int32_t> ids;
+    std::vector<std::int32_t> counts;
+    std::vector<std::int32_t> members;
+    for (const auto& [number, of_group] : groups) {
+        ids.push_back(number);
+        counts.push_back(static_cast<std::int32_t>(of_group.size()));
+        members.insert(members.end(), of_group.begin(), of_group.end());
+    }
+    target.write(Collectors{"GROUP", "ELEMENT", &ids, &counts, &members});
+}
+
+void FrdImport::write_identifiers(Target& target, const std::array<frd::Elements, frd::element_types>& elements,
+                                  const std::vector<std::int32_t>& sequence)
+{
+    std::array<std::size_t, frd::element_types> next{};
+    std::vector<std::int32_t> ids;
+    std::vector<std::int32_t> numbers_and_types;
+    for (const std::int32_t type : sequence) {
+        const auto t = static_cast<std::size_t>(type);
+        ids.push_back(elements[t].ids[next[t]++]);
+        numbers_and_types.push_back(ids.back());
+        numbers_and_types.push_back(type);
+    }
+    target.write(Identifiers{"ELEMENT", 2, &ids, &numbers_and_types});
+}
+
+/// What the file says about the states themselves, which are entities of their own: a block for each state, or with
+/// series one block for all that have the variable.
+void FrdImport::write_state_results(Target& target)
+{
+    struct All {
+        std::vector<std::int32_t> ids;
+        std::vector<double> values;
+    };
+    std::map<std::string, All> all;
+    const auto add = [&](const StateInfo& info, const std::string& variable, const std::vector<double>& values) {
+        if (options_.series) {
+            auto& a = all[variable];
+            a.ids.push_back(info.state.number);
+            a.values.insert(a.values.end(), values.begin(), values.end());
+            return;
+        }
+        const std::vector<std::int32_t> id = {info.state.number};
         target.write(Results{state_entity, variable, static_cast<std::int32_t>(values.size()), -1, false, &info.state,
                              &id, &values});
     };
-    put("STEP", {step_of(r), increment_of(r), static_cast<double>(r.set), static_cast<double>(r.analysis)});
     const double unknown = std::numeric_limits<double>::quiet_NaN();
-    if (has_mode(r)) {
-        std::vector<double> values;
-        for (const char* key : mode_keys) values.push_back(parameter(r, key, 0, unknown));
-        put("MODE", values);
+    for (const auto& info : states_) {
+        const frd::Result& r = *info.first;
+        add(info, "STEP", {step_of(r), increment_of(r), static_cast<double>(r.set), static_cast<double>(r.analysis)});
+        if (has_mode(r)) {
+            std::vector<double> values;
+            for (const char* key : mode_keys) values.push_back(parameter(r, key, 0, unknown));
+            add(info, "MODE", values);
+        }
+        if (r.parameter("AX")) {
+            std::vector<double> values;
+            for (std::size_t i = 0; i < axis_names.size(); ++i) values.push_back(parameter(r, "AX", i, unknown));
+            add(info, "AXIS", values);
+        }
     }
-    if (r.parameter("AX")) {
-        std::vector<double> values;
-        for (std::size_t i = 0; i < axis_names.size(); ++i) values.push_back(parameter(r, "AX", i, unknown));
-        put("AXIS", values);
+    for (const auto& [variable, a] : all) {
+        target.write(Results{state_entity, variable, static_cast<std::int32_t>(a.values.size() / a.ids.size()), -1,
+                             false, nullptr, &a.ids, &a.values});
     }
 }
 
@@ -418,7 +491,7 @@ void FrdImport::write_result(Target& target, const Plan& plan)
     const State& state = states_[plan.state].state;
     frd::Table real = frd::read_result(lines_, *plan.result);
     if (!plan.imaginary) {
-        target.write(Results{node, plan.variable, components, plan.set, false, &state, &real.ids, &real.values});
+        put(target, plan, Results{node, plan.variable, components, plan.set, false, &state, &real.ids, &real.values});
         return;
     }
     frd::Table imaginary = frd::read_result(lines_, *plan.imaginary);
@@ -433,7 +506,58 @@ void FrdImport::write_result(Target& target, const Plan& plan)
     }
     real.values = {};
     imaginary.values = {};
-    target.write(Results{node, plan.variable, components, plan.set, true, &state, &real.ids, &both});
+    put(target, plan, Results{node, plan.variable, components, plan.set, true, &state, &real.ids, &both});
+}
+
+/// A block of its own, or the next state of the first series that has the same nodes and kind of numbers and not yet
+/// this state.
+void FrdImport::put(Target& target, const Plan& plan, Results results)
+{
+    if (!options_.series) {
+        target.write(results);
+        return;
+    }
+    const std::string& name = index_variables_[static_cast<std::size_t>(results.state->index_kind - 1)].key;
+    auto list = std::find(id_lists_.begin(), id_lists_.end(), *results.ids);
+    if (list == id_lists_.end()) list = id_lists_.insert(list, *results.ids);
+    const auto ids = static_cast<std::size_t>(list - id_lists_.begin());
+
+    auto& all = series_[{name, plan.variable}];
+    const auto same_kind = [&](const Series& s) { return s.ids == ids && s.complex == results.complex; };
+    auto at = std::find_if(all.begin(), all.end(),
+                           [&](const Series& s) { return same_kind(s) && s.last_state != plan.state; });
+    if (at == all.end()) {
+        if (!all.empty()) {
+            const bool again = std::any_of(all.begin(), all.end(), same_kind);
+            warnings_.push_back(fmt::format(
+                "line {}: {} of state {} {}: imported as set {} of the series", plan.result->section.first.line,
+                printable(plan.variable), results.state->number,
+                again ? "stands there again" : "has other nodes or another kind of numbers than before", all.size()));
+        }
+        at = all.insert(at, Series{ids, results.complex, 0, 0});
+    }
+    results.set = at == all.begin() ? -1 : static_cast<std::int32_t>(at - all.begin());
+    target.append(results, name, at->rows++, can_scale(plan));
+    at->last_state = plan.state;
+}
+
+/// The first state of a series decides how all are stored, so all states have to be seen before.
+bool FrdImport::can_scale(const Plan& plan)
+{
+    if (options_.storage.scale.count(plan.variable) == 0) return false;
+    const auto [known, added] = can_scale_.try_emplace(plan.variable, true);
+    if (!added) return known->second;
+    for (const Plan& p : plans_) {
+        if (!p.result || p.variable != plan.variable) continue;
+        for (const frd::Result* part : {p.result, p.imaginary}) {
+            if (part && !can_be_scaled(frd::read_result(lines_, *part).values)) known->second = false;
+        }
+    }
+    if (!known->second) {
+        warnings_.push_back(
+            fmt::format("{} holds values that are no numbers: stored unscaled", printable(plan.variable)));
+    }
+    return known->second;
 }
 
 } // namespace kob::program

@@ -2,7 +2,11 @@
 // Maps the blocks of an ASCII result file (.frd) to blocks of a KOB file.
 #pragma once
 
+#include <array>
+#include <cstdint>
+#include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "frd_file.hpp"
@@ -11,15 +15,13 @@
 
 namespace kob::program {
 
-class FrdImport {
+class FrdImport : public Source {
 public:
     /// Looks through the whole file; throws frd::Error when it is broken.
     explicit FrdImport(const ImportOptions& options);
 
     /// Writes all blocks, one result at a time.
-    void write(Target& target);
-
-    const std::vector<std::string>& warnings() const { return warnings_; }
+    void write(Target& target) override;
 
 private:
     /// What becomes of one result of the file.
@@ -36,6 +38,14 @@ private:
         std::vector<std::size_t> plans;
     };
 
+    /// The states of a variable that go to one block.
+    struct Series {
+        std::size_t ids = 0; ///< which of the lists of nodes
+        bool complex = false;
+        std::int32_t rows = 0;
+        std::size_t last_state = 0;
+    };
+
     void plan_states();
     void plan_pairs(const StateInfo& info);
     void plan_sets(const StateInfo& info);
@@ -45,8 +55,14 @@ private:
     void add_variable(Variable variable);
     System system() const;
     void write_mesh(Target& target);
-    void write_state(Target& target, const StateInfo& info);
+    void write_parts(Target& target, const std::array<frd::Elements, frd::element_types>& elements);
+    void write_groups(Target& target, const std::array<frd::Elements, frd::element_types>& elements);
+    void write_identifiers(Target& target, const std::array<frd::Elements, frd::element_types>& elements,
+                           const std::vector<std::int32_t>& sequence);
+    void write_state_results(Target& target);
     void write_result(Target& target, const Plan& plan);
+    void put(Target& target, const Plan& plan, Results results);
+    bool can_scale(const Plan& plan);
 
     const ImportOptions& options_;
     std::vector<BaseUnit> units_;
@@ -56,7 +72,9 @@ private:
     std::vector<StateInfo> states_;
     std::vector<Variable> variables_;
     std::vector<Variable> index_variables_;
-    std::vector<std::string> warnings_;
+    std::map<std::pair<std::string, std::string>, std::vector<Series>> series_; ///< by name of the series and variable
+    std::vector<std::vector<std::int32_t>> id_lists_;
+    std::map<std::string, bool> can_scale_; ///< by variable
 };
 
 } // namespace kob::program

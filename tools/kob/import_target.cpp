@@ -19,6 +19,7 @@ namespace kob::program {
 namespace {
 
 constexpr std::size_t text_size = 256;
+constexpr std::int32_t text_length = 256;
 constexpr std::int32_t dimension = 3;
 constexpr std::int32_t zero = 0;
 constexpr std::int32_t none = -1; ///< no zone, no set
@@ -70,7 +71,18 @@ std::string now(const char* format)
     return {text.data(), std::strftime(text.data(), text.size(), format, &local)};
 }
 
+void warn_unscaled(const std::string& what)
+{
+    complain("kob import",
+             fmt::format("warning: {} holds values that are no numbers: stored unscaled", printable(what)));
+}
+
 } // namespace
+
+bool can_be_scaled(const std::vector<double>& values)
+{
+    return std::all_of(values.begin(), values.end(), [](double v) { return std::isfinite(v); });
+}
 
 Target::Target(const std::string& path, const Storage& storage) : storage_{storage}
 {
@@ -222,34 +234,142 @@ void Target::write(const Connectivities& c)
     check(status, "elements " + c.element_type);
 }
 
+Target::Filters Target::filters(const std::string& variable, bool scaled) const
+{
+    Filters f{filter_flags_, {filter_params_[0], filter_params_[1]}};
+    if (const auto scale = storage_.scale.find(variable); scaled && scale != storage_.scale.end()) {
+        f.flags |= scale_floats;
+        f.params[0] = scale->second;
+    }
+    return f;
+}
+
+Target::Filters Target::filters_of_values(const std::string& variable, const std::vector<double>& values,
+                                          const std::string& what) const
+{
+    if (storage_.scale.count(variable) == 0) return filters(variable, false);
+    const bool fit = can_be_scaled(values);
+    if (!fit) warn_unscaled(what);
+    return filters(variable, fit);
+}
+
 void Target::write(const Results& r)
 {
-    std::int32_t filter_flags = filter_flags_;
-    std::int32_t filter_params[2] = {filter_params_[0], filter_params_[1]};
-    if (const auto scale = storage_.scale.find(r.variable); scale != storage_.scale.end()) {
-        // The filter counts in integers and cannot hold what is no number.
-        const bool finite = std::all_of(r.values->begin(), r.values->end(), [](double v) { return std::isfinite(v); });
-        if (finite) {
-            filter_flags |= scale_floats;
-            filter_params[0] = scale->second;
-        } else {
-            complain("kob import",
-                     fmt::format("warning: {} of state {} holds values that are no numbers: stored unscaled",
-                                 printable(r.variable), r.state ? r.state->number : 0));
-        }
-    }
     const std::int32_t nent = count(r.ids->size());
     const std::int32_t nindex = r.state ? 1 : 0;
     const State constant;
     const State& state = r.state ? *r.state : constant;
-    const std::int32_t value_size = r.complex ? 4 * storage_.float_size : storage_.float_size;
+    const std::string what = fmt::format("{} of state {}", r.variable, state.number);
+    const Filters filter = filters_of_values(r.variable, *r.values, what);
+    const std::int32_t size = value_size(r.complex);
     std::int32_t status = 0;
     KOB_WRITE_ENTITYRESULTS(&handle_, Fields{r.entity_type}.data(), &nent, Fields{r.variable}.data(), &r.components,
                             Fields{""}.data(), &none, Fields{""}.data(), &zero, &zero, &nindex, &state.index_kind,
                             &state.number, &state.value, r.ids->data(), &zero, nullptr, nullptr, nullptr,
-                            r.values->data(), &r.set, &state.number, &filter_flags, filter_params, &value_size,
-                            &status);
-    check(status, fmt::format("{} of state {}", r.variable, state.number));
+                            r.values->data(), &r.set, &state.number, &filter.flags, filter.params, &size, &status);
+    check(status, what);
+}
+
+void Target::append(const Results& r, const std::string& series, std::int32_t row, bool scaled)
+{
+    const std::int32_t nent = count(r.ids->size());
+    const std::int32_t nindex = 1;
+    const std::int32_t state = row == 0 ? 1 : -row; // row 0 is the first of a run of one state
+    const Filters filter = filters(r.variable, scaled);
+    const std::int32_t size = value_size(r.complex);
+    std::int32_t status = 0;
+    KOB_WRITE_MULTIENTITYRESULTS(&handle_, Fields{series}.data(), Fields{r.entity_type}.data(), &nent,
+                                 Fields{r.variable}.data(), &r.components, Fields{""}.data(), &none, Fields{""}.data(),
+                                 &zero, &zero, &nindex, &r.state->number, &r.state->value, r.ids->data(), &zero,
+                                 nullptr, nullptr, nullptr, r.values->data(), &r.set, &state, &filter.flags,
+                                 filter.params, &size, &status);
+    check(status, fmt::format("{} of state {}", r.variable, r.state->number));
+}
+
+void Target::write(const Parts& p)
+{
+    const std::int32_t npart = count(p.ids->size());
+    std::size_t longest = 0;
+    for (const auto& title : *p.titles) longest = std::max(longest, title.size());
+    Fields titles{longest};
+    for (const auto& title : *p.titles) titles.add(title);
+    const std::int32_t length = count(longest);
+    constexpr std::int32_t no_type_no_colour = 2 | 4;
+    std::int32_t status = 0;
+    KOB_WRITE_PARTS(&handle_, Fields{"PART"}.data(), &npart, &no_type_no_colour, &length, &zero, &zero, nullptr,
+                    nullptr, p.ids->data(), titles.data(), p.ids->data(), nullptr, nullptr, &none, &filter_flags_,
+                    filter_params_, &storage_.float_size, &status);
+    check(status, "the parts");
+}
+
+void Target::write(const Identifiers& i)
+{
+    const std::int32_t nent = count(i.ids->size());
+    std::int32_t status = 0;
+    KOB_WRITE_IDENTIFIERS(&handle_, Fields{i.entity_type}.data(), &nent, &i.columns, &zero, &zero, &zero, nullptr,
+                          nullptr, i.ids->data(), nullptr, i.values->data(), &none, &filter_flags_, filter_params_,
+                          &storage_.float_size, &status);
+    check(status, "identifiers of type " + i.entity_type);
+}
+
+void Target::write(const Collectors& c)
+{
+    const std::int32_t ncoll = count(c.ids->size());
+    const std::int32_t ntyp = 1;
+    std::int32_t status = 0;
+    KOB_WRITE_COLLECTOR(&handle_, Fields{c.type}.data(), &ncoll, &ntyp, &zero, &zero, nullptr, nullptr, c.ids->data(),
+                        Fields{c.member_type}.data(), c.counts->data(), c.members->data(), &none, &filter_flags_,
+                        filter_params_, &storage_.float_size, &status);
+    check(status, "collectors of type " + c.type);
+}
+
+void Target::write_text(const std::string& type, const std::vector<std::string>& lines)
+{
+    std::size_t longest = 1; // a text of no characters cannot be stored
+    for (const auto& line : lines) longest = std::max(longest, line.size());
+    Fields fields{longest};
+    for (const auto& line : lines) fields.add(line);
+    const std::int32_t nlines = count(lines.size());
+    const std::int32_t length = count(longest);
+    std::int32_t status = 0;
+    KOB_WRITE_TEXT(&handle_, Fields{type}.data(), &nlines, &length, &zero, &zero, nullptr, nullptr, fields.data(),
+                   &none, &filter_flags_, filter_params_, &storage_.float_size, &status);
+    check(status, "text " + type);
+}
+
+void Target::write(const MatrixName& n, const DenseMatrix& m)
+{
+    const Filters filter = filters_of_values(n.variable, m.values, n.variable);
+    const std::int32_t size = value_size(m.complex);
+    std::int32_t status = 0;
+    KOB_WRITE_DENSEMATRIX(&handle_, Fields{n.entity_type}.data(), &n.entity, Fields{n.variable}.data(), &m.rows,
+                          &m.columns, &zero, &zero, nullptr, nullptr, m.values.data(), &none, &filter.flags,
+                          filter.params, &size, &zero, nullptr, nullptr, &status, text_length, text_length);
+    check(status, "matrix " + n.variable);
+}
+
+void Target::write(const MatrixName& n, const TriangularMatrix& m)
+{
+    const Filters filter = filters_of_values(n.variable, m.values, n.variable);
+    const std::int32_t size = value_size(m.complex);
+    std::int32_t status = 0;
+    KOB_WRITE_TRIANGULARMATRIX(&handle_, Fields{n.entity_type}.data(), &n.entity, Fields{n.variable}.data(), &m.order,
+                               &m.type, &zero, &zero, nullptr, nullptr, m.values.data(), &none, &filter.flags,
+                               filter.params, &size, &zero, nullptr, nullptr, &status, text_length, text_length);
+    check(status, "matrix " + n.variable);
+}
+
+void Target::write(const MatrixName& n, const SparseMatrix& m)
+{
+    const Filters filter = filters_of_values(n.variable, m.values, n.variable);
+    const std::int32_t size = value_size(m.complex);
+    const auto nnz = static_cast<std::int64_t>(m.columns.size());
+    std::int32_t status = 0;
+    KOB_WRITE_SPARSEMATRIX(&handle_, Fields{n.entity_type}.data(), &n.entity, Fields{n.variable}.data(), &m.rows, &nnz,
+                           &zero, &zero, nullptr, nullptr, m.columns.data(), m.starts.data(), m.values.data(), &none,
+                           &filter.flags, filter.params, &size, &zero, nullptr, nullptr, &status, text_length,
+                           text_length);
+    check(status, "matrix " + n.variable);
 }
 
 } // namespace kob::program

@@ -64,6 +64,61 @@ struct Results {
     const std::vector<double>* values = nullptr; ///< [ids, components] or [ids, components, 2]
 };
 
+/// The parts of the model: each is a material.
+struct Parts {
+    const std::vector<std::int32_t>* ids = nullptr;
+    const std::vector<std::string>* titles = nullptr;
+};
+
+/// Numbers that each entity of a type has besides its identifier.
+struct Identifiers {
+    std::string entity_type;
+    std::int32_t columns = 0;
+    const std::vector<std::int32_t>* ids = nullptr;
+    const std::vector<std::int32_t>* values = nullptr; ///< [ids, columns]
+};
+
+/// Sets of entities of one type.
+struct Collectors {
+    std::string type;
+    std::string member_type;
+    const std::vector<std::int32_t>* ids = nullptr;
+    const std::vector<std::int32_t>* counts = nullptr;
+    const std::vector<std::int32_t>* members = nullptr;
+};
+
+/// Whose matrix it is.
+struct MatrixName {
+    std::string entity_type;
+    std::int32_t entity = 1;
+    std::string variable;
+};
+
+struct DenseMatrix {
+    std::int32_t rows = 0;
+    std::int32_t columns = 0;
+    bool complex = false;
+    std::vector<double> values; ///< row after row
+};
+
+struct TriangularMatrix {
+    std::int32_t order = 0;
+    std::int32_t type = 0; ///< 1 symmetric, 2 skew-symmetric, 3 hermitian
+    bool complex = false;
+    std::vector<double> values; ///< row after row of the lower triangle
+};
+
+struct SparseMatrix {
+    std::int32_t rows = 0;
+    bool complex = false;
+    std::vector<std::int64_t> starts;
+    std::vector<std::int32_t> columns; ///< from 0, ascending in each row
+    std::vector<double> values;
+};
+
+/// The filter behind --scale counts in integers and cannot hold what is no number.
+bool can_be_scaled(const std::vector<double>& values);
+
 class Target {
 public:
     /// Creates the file.
@@ -81,9 +136,29 @@ public:
     void write_index(const std::string& group, const std::vector<Variable>& variables);
     void write(const Connectivities& connectivities);
     void write(const Results& results);
+    /// A state of a series of results, in this row; rows are written in order. `scaled`: all states of the series are fit
+    /// for --scale.
+    void append(const Results& results, const std::string& series, std::int32_t row, bool scaled);
+    void write(const Parts& parts);
+    void write(const Identifiers& identifiers);
+    void write(const Collectors& collectors);
+    /// Lines of text of any length.
+    void write_text(const std::string& type, const std::vector<std::string>& lines);
+    void write(const MatrixName& name, const DenseMatrix& matrix);
+    void write(const MatrixName& name, const TriangularMatrix& matrix);
+    void write(const MatrixName& name, const SparseMatrix& matrix);
     void close();
 
 private:
+    struct Filters {
+        std::int32_t flags = 0;
+        std::int32_t params[2] = {0, 0};
+    };
+
+    Filters filters(const std::string& variable, bool scaled) const;
+    Filters filters_of_values(const std::string& variable, const std::vector<double>& values,
+                              const std::string& what) const;
+    std::int32_t value_size(bool complex) const { return complex ? 4 * storage_.float_size : storage_.float_size; }
     void write_group(const std::string& name, std::int32_t ncoo, const std::vector<Variable>& variables,
                      const std::vector<std::int32_t>& offs);
 
