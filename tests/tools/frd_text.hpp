@@ -9,6 +9,7 @@
 #include <regex>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace kob_test {
@@ -47,10 +48,12 @@ struct FrdText {
         }
     };
 
+    std::vector<std::string> head; ///< records 1C and 1U, whole
     std::vector<std::string> user;
     std::vector<std::int32_t> node_ids;
     std::vector<double> coordinates;
-    std::map<int, std::vector<Element>> elements; ///< by type
+    std::map<int, std::vector<Element>> elements;                     ///< by type
+    std::vector<std::pair<std::int32_t, std::int32_t>> element_types; ///< number and type, in the order of the file
     std::vector<Result> results;
 
     explicit FrdText(const std::string& path)
@@ -60,6 +63,7 @@ struct FrdText {
         std::map<std::string, std::vector<double>> parameters;
         while (std::getline(file, line)) {
             const std::string key = line.substr(0, 6);
+            if (key == "    1C" || key == "    1U") head.push_back(without_end(line));
             if (key == "    1U") user.push_back(line.substr(6));
             if (key == "    1P") {
                 std::istringstream words{line.substr(6)};
@@ -77,6 +81,8 @@ struct FrdText {
     }
 
 private:
+    static std::string without_end(const std::string& line) { return line.substr(0, line.find_last_not_of(" \r") + 1); }
+
     static std::string cut(const std::string& line, std::size_t from, std::size_t width)
     {
         if (from >= line.size()) return {};
@@ -123,6 +129,7 @@ private:
                 auto& all = elements[number(line, 3 + width, 5)];
                 all.push_back({number(line, 3, width), number(line, 8 + width, 5), cut(line, 13 + width, 80), {}});
                 element = &all.back();
+                element_types.emplace_back(element->id, number(line, 3 + width, 5));
             } else {
                 for (std::size_t at = 3; at + width <= line.size(); at += width) {
                     element->nodes.push_back(number(line, at, width));

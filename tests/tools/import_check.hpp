@@ -11,6 +11,7 @@
 #include <set>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include <fmt/format.h>
@@ -21,6 +22,7 @@
 #include <text256.hpp>
 
 #include "frd_text.hpp"
+#include "import_blocks.hpp"
 
 namespace kob_test {
 
@@ -88,6 +90,7 @@ inline std::set<std::string> all_blocks(const KobFile& file)
 struct Stored {
     std::int32_t float_size = 8;
     std::map<std::string, double> tolerance; ///< of variables stored with fewer digits
+    bool series = false;
 };
 
 class ImportCheck {
@@ -100,8 +103,13 @@ public:
     void run()
     {
         for (const char* name : {"system", "indices"}) expect(fmt::format("constant/{}/kobblock", name));
+        check_header();
         check_mesh();
+        check_parts();
+        check_groups();
+        check_identifiers();
         check_states();
+        check_series();
         check_variables();
         // Nothing is missing, nothing is there that should not be.
         std::set<std::string> found = all_blocks(file_);
@@ -162,6 +170,80 @@ private:
             const Form& form = forms.at(type);
             check_elements(elements, form.name, form.npele, form.ndim);
         }
+    }
+
+    void check_header() { EXPECT_EQ(read_text_lines(file_, expect("constant/text/HEADER/kobblock")), text_.head); }
+
+    void check_parts()
+    {
+        std::map<std::int32_t, std::string> wanted;
+        for (const auto& u : text_.user) {
+            if (u.substr(0, 3) == "MAT") wanted[std::atoi(u.substr(3, 5).c_str())] = trimmed(u.substr(8));
+        }
+        for (const auto& [type, elements] : text_.elements) {
+            for (const auto& e : elements) {
+                const bool number = e.material.find_first_not_of("0123456789") == std::string::npos;
+                wanted.try_emplace(material(e.material), number ? "" : e.material);
+            }
+        }
+        if (wanted.empty()) return;
+        const auto parts = read_parts(file_, expect("constant/parts/PART/kobblock"));
+        std::vector<std::int32_t> ids;
+        std::vector<std::string> titles;
+        bool named = false;
+        for (const auto& [number, name] : wanted) {
+            ids.push_back(number);
+            titles.push_back(name);
+            named = named || !name.empty();
+        }
+        EXPECT_EQ(parts.pid, ids);
+        EXPECT_EQ(parts.mid, ids);
+        EXPECT_EQ(parts.titles, named ? titles : std::vector<std::string>{});
+    }
+
+    void check_groups()
+    {
+        std::map<std::int32_t, std::vector<std::int32_t>> wanted;
+        for (const auto& [type, elements] : text_.elements) {
+            for (const auto& e : elements) {
+                if (e.group != 0) wanted[e.group].push_back(e.id);
+            }
+        }
+        if (wanted.empty()) return;
+        const auto found = read_collectors(file_, expect("constant/collector/GROUP/kobblock"));
+        EXPECT_EQ(found.etyp, "ELEMENT");
+        ASSERT_EQ(found.idcoll.size(), wanted.size());
+        std::size_t i = 0;
+        auto member = found.entid.begin();
+        for (const auto& [number, members] : wanted) {
+            EXPECT_EQ(found.idcoll[i], number);
+            ASSERT_EQ(found.nent[i++], static_cast<std::int32_t>(members.size()));
+            EXPECT_TRUE(std::equal(members.begin(), members.end(), member)) << "group " << number;
+            member += static_cast<std::ptrdiff_t>(members.size());
+        }
+        EXPECT_TRUE(member == found.entid.end());
+    }
+
+    void check_identifiers()
+    {
+        if (!text_.node_ids.empty()) {
+            expect("constant/identifiers/NODE/kobblock");
+            const auto nodes = read_identifiers(file_, "NODE");
+            EXPECT_EQ(nodes.nuid, 1);
+            EXPECT_EQ(nodes.entid, text_.node_ids);
+            EXPECT_EQ(nodes.uid, text_.node_ids);
+        }
+        if (text_.element_types.empty()) return;
+        expect("constant/identifiers/ELEMENT/kobblock");
+        const auto elements = read_identifiers(file_, "ELEMENT");
+        EXPECT_EQ(elements.nuid, 2);
+        std::vector<std::int32_t> ids, pairs;
+        for (const auto& [id, type] : text_.element_types) {
+            ids.push_back(id);
+            pairs.insert(pairs.end(), {id, type});
+        }
+        EXPECT_EQ(elements.entid, ids);
+        EXPECT_EQ(elements.uid, pairs);
     }
 
     /// The number of a material, which stands as such or as a name that the header numbers.
@@ -251,25 +333,39 @@ private:
         return expect(fmt::format("singlestate/state{:012}/entityresults/{}/kobblock", state_, rest));
     }
 
+    /// What is known of the state itself: a block of the state, or the next row of a block of all states.
+    void check_state_result(const std::string& variable, const std::vector<double>& wanted)
+    {
+        if (!stored_.series) {
+            const auto block = read_entity_results(file_, state_path("STATE/" + variable));
+            EXPECT_EQ(block.ids, std::vector<std::int32_t>{state_});
+            same(block.values, wanted, variable);
+            return;
+        }
+        auto& rows = state_rows_[variable];
+        const auto block = read_entity_results(file_, expect("constant/entityresults/STATE/" + variable + "/kobblock"));
+        ASSERT_EQ(block.ncoo, static_cast<std::int32_t>(wanted.size()));
+        ASSERT_LT(rows, block.ids.size());
+        EXPECT_EQ(block.ids[rows], state_);
+        const auto from = block.values.begin() + static_cast<std::ptrdiff_t>(rows * wanted.size());
+        same({from, from + static_cast<std::ptrdiff_t>(wanted.size())}, wanted, variable);
+        ++rows;
+    }
+
     void check_state(const std::vector<const FrdText::Result*>& results)
     {
         const FrdText::Result& first = *results.front();
-        const auto step = read_entity_results(file_, state_path("STATE/STEP"));
-        EXPECT_EQ(step.ids, std::vector<std::int32_t>{state_});
-        same(step.values,
-             {first.parameter("STEP", 2), first.parameter("STEP", 1), static_cast<double>(first.set),
-              static_cast<double>(first.analysis)},
-             "STEP");
+        check_state_result("STEP", {first.parameter("STEP", 2), first.parameter("STEP", 1),
+                                    static_cast<double>(first.set), static_cast<double>(first.analysis)});
         if (first.parameters.count("MODE") > 0) {
             variables_["MODE"] = {5, 1, 0, {}};
-            const auto mode = read_entity_results(file_, state_path("STATE/MODE"));
             std::vector<double> wanted;
             for (const char* key : {"MODE", "GM", "GK", "HID", "SUBC"}) wanted.push_back(first.parameter(key, 0));
-            same(mode.values, wanted, "MODE");
+            check_state_result("MODE", wanted);
         }
         if (first.parameters.count("AX") > 0) {
             variables_["AXIS"] = {6, 1, 0, {}};
-            same(read_entity_results(file_, state_path("STATE/AXIS")).values, first.parameters.at("AX"), "AXIS");
+            check_state_result("AXIS", first.parameters.at("AX"));
         }
 
         std::map<std::string, const FrdText::Result*> by_name;
@@ -279,6 +375,9 @@ private:
             ++count[r->name];
         }
         std::map<std::string, int> seen;
+        harmonic_ = std::any_of(results.begin(), results.end(), [&](const auto* r) {
+            return r->name.size() > 1 && r->name.back() == 'I' && by_name.count(real_name(r->name)) > 0;
+        });
         for (const auto* r : results) {
             const bool last_is_i = r->name.size() > 1 && r->name.back() == 'I';
             if (last_is_i && by_name.count(real_name(r->name)) > 0 && count[r->name] == 1) continue; // half of a pair
@@ -294,16 +393,6 @@ private:
     void check_result(const FrdText::Result& r, const FrdText::Result* imaginary, int before)
     {
         const std::string variable = variable_of(r);
-        const std::string set = before > 0 ? fmt::format("_set{}", before) : "";
-        const auto block = read_entity_results(file_, state_path("NODE/" + variable + set));
-        EXPECT_EQ(block.etyp, "NODE");
-        EXPECT_EQ(block.etypvar, variable);
-        EXPECT_EQ(block.nindex, 1);
-        EXPECT_EQ(block.indexident, state_);
-        EXPECT_EQ(block.indexval, stored_.float_size == 4 ? static_cast<double>(static_cast<float>(r.value)) : r.value);
-        EXPECT_EQ(block.ncoo, static_cast<std::int32_t>(r.components.size()));
-        EXPECT_EQ(block.ids, r.ids) << variable;
-        EXPECT_EQ(block.key, imaginary ? 1001 : 1000) << variable;
         std::vector<double> wanted = r.values;
         if (imaginary) {
             wanted.clear();
@@ -312,7 +401,84 @@ private:
                 wanted.push_back(imaginary->values.at(i));
             }
         }
+        if (stored_.series) {
+            expect_row(r, variable, imaginary != nullptr, std::move(wanted));
+            return;
+        }
+        const std::string set = before > 0 ? fmt::format("_set{}", before) : "";
+        const auto block = read_entity_results(file_, state_path("NODE/" + variable + set));
+        EXPECT_EQ(block.etyp, "NODE");
+        EXPECT_EQ(block.etypvar, variable);
+        EXPECT_EQ(block.nindex, 1);
+        EXPECT_EQ(block.indexident, state_);
+        EXPECT_EQ(block.indexval, stored_value(r.value));
+        EXPECT_EQ(block.ncoo, static_cast<std::int32_t>(r.components.size()));
+        EXPECT_EQ(block.ids, r.ids) << variable;
+        EXPECT_EQ(block.key, imaginary ? 1001 : 1000) << variable;
         same(block.values, wanted, fmt::format("{} of state {}", variable, state_));
+    }
+
+    double stored_value(double value) const
+    {
+        return stored_.float_size == 4 ? static_cast<double>(static_cast<float>(value)) : value;
+    }
+
+    /// What is expected of one block of a series.
+    struct Series {
+        std::int32_t ncoo = 0;
+        bool complex = false;
+        std::vector<std::int32_t> ids;
+        std::vector<std::int32_t> states;
+        std::vector<double> indices;
+        std::vector<std::vector<double>> rows;
+    };
+
+    void expect_row(const FrdText::Result& r, const std::string& variable, bool complex, std::vector<double> values)
+    {
+        std::string name = "TIME";
+        if (r.analysis == 2 || (r.analysis == 1 && harmonic_)) name = "FREQUENCY";
+        const bool mode = r.parameters.count("MODE") + r.parameters.count("GM") + r.parameters.count("GK") +
+                              r.parameters.count("HID") + r.parameters.count("SUBC") >
+                          0;
+        if (r.analysis == 3) name = mode ? "FREQUENCY" : "LOADFACTOR";
+        if (r.analysis == 4) name = "LOADFACTOR";
+        auto& all = series_[{name, variable}];
+        auto at = std::find_if(all.begin(), all.end(), [&](const Series& s) {
+            return s.ids == r.ids && s.complex == complex && s.states.back() != state_;
+        });
+        if (at == all.end()) {
+            all.push_back({static_cast<std::int32_t>(r.components.size()), complex, r.ids, {}, {}, {}});
+            at = all.end() - 1;
+        }
+        at->states.push_back(state_);
+        at->indices.push_back(stored_value(r.value));
+        at->rows.push_back(std::move(values));
+    }
+
+    void check_series()
+    {
+        for (const auto& [name, all] : series_) {
+            for (std::size_t i = 0; i < all.size(); ++i) {
+                const std::string set = i > 0 ? fmt::format("_set{}", i) : "";
+                const Series& wanted = all[i];
+                const auto block = read_series(file_, expect(fmt::format("multistate/{}/multientityresults/NODE/{}{}"
+                                                                         "/kobblock",
+                                                                         name.first, name.second, set)));
+                EXPECT_EQ(block.key, wanted.complex ? 1051 : 1050);
+                EXPECT_EQ(block.series, name.first);
+                EXPECT_EQ(block.etyp, "NODE");
+                EXPECT_EQ(block.etypvar, name.second);
+                EXPECT_EQ(block.ncoo, wanted.ncoo);
+                EXPECT_EQ(block.ids, wanted.ids);
+                EXPECT_EQ(block.indexident, wanted.states);
+                EXPECT_EQ(block.indexval, wanted.indices);
+                ASSERT_EQ(block.nstate, static_cast<std::int32_t>(wanted.rows.size()));
+                for (std::size_t row = 0; row < wanted.rows.size(); ++row) {
+                    same(block.row(row), wanted.rows[row],
+                         fmt::format("{} of state {}", name.second, wanted.states[row]));
+                }
+            }
+        }
     }
 
     /// The same name with other components is another variable.
@@ -451,6 +617,9 @@ private:
     std::map<std::string, Variable> variables_;
     std::map<std::string, std::vector<Components>> forms_;
     std::map<std::string, std::int32_t> named_;
+    std::map<std::pair<std::string, std::string>, std::vector<Series>> series_; ///< by name of the series and variable
+    std::map<std::string, std::size_t> state_rows_;                             ///< seen so far
+    bool harmonic_ = false;
     std::int32_t state_ = 0;
     std::size_t numbers_ = 0;
 };

@@ -544,18 +544,21 @@ void FrdImport::put(Target& target, const Plan& plan, Results results)
 /// The first state of a series decides how all are stored, so all states have to be seen before.
 bool FrdImport::can_scale(const Plan& plan)
 {
-    if (options_.storage.scale.count(plan.variable) == 0) return false;
+    const auto scale = options_.storage.scale.find(plan.variable);
+    if (scale == options_.storage.scale.end()) return false;
     const auto [known, added] = can_scale_.try_emplace(plan.variable, true);
     if (!added) return known->second;
+    ScaleCheck check;
     for (const Plan& p : plans_) {
         if (!p.result || p.variable != plan.variable) continue;
         for (const frd::Result* part : {p.result, p.imaginary}) {
-            if (part && !can_be_scaled(frd::read_result(lines_, *part).values)) known->second = false;
+            if (part) check.see(frd::read_result(lines_, *part).values);
         }
     }
+    const std::string obstacle = check.obstacle(scale->second, options_.storage.float_size);
+    known->second = obstacle.empty();
     if (!known->second) {
-        warnings_.push_back(
-            fmt::format("{} holds values that are no numbers: stored unscaled", printable(plan.variable)));
+        warnings_.push_back(fmt::format("{} holds {}: stored unscaled", printable(plan.variable), obstacle));
     }
     return known->second;
 }

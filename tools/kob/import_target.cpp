@@ -71,17 +71,25 @@ std::string now(const char* format)
     return {text.data(), std::strftime(text.data(), text.size(), format, &local)};
 }
 
-void warn_unscaled(const std::string& what)
-{
-    complain("kob import",
-             fmt::format("warning: {} holds values that are no numbers: stored unscaled", printable(what)));
-}
-
 } // namespace
 
-bool can_be_scaled(const std::vector<double>& values)
+void ScaleCheck::see(const std::vector<double>& values)
 {
-    return std::all_of(values.begin(), values.end(), [](double v) { return std::isfinite(v); });
+    for (const double v : values) {
+        finite_ = finite_ && std::isfinite(v);
+        least_ = any_ ? std::min(least_, v) : v;
+        most_ = any_ ? std::max(most_, v) : v;
+        any_ = true;
+    }
+}
+
+std::string ScaleCheck::obstacle(std::int32_t digits, std::int32_t float_size) const
+{
+    if (!finite_) return "values that are no numbers";
+    // With as many bits as the number itself has HDF5 writes what it refuses to read; one more bit marks unset values.
+    const double steps = std::ldexp(1.0, 8 * float_size - 2);
+    if ((most_ - least_) * std::pow(10.0, digits) < steps) return "";
+    return fmt::format("values too far apart for {} digits in {} bytes", digits, float_size);
 }
 
 Target::Target(const std::string& path, const Storage& storage) : storage_{storage}
@@ -248,9 +256,13 @@ Target::Filters Target::filters_of_values(const std::string& variable, const std
                                           const std::string& what) const
 {
     if (storage_.scale.count(variable) == 0) return filters(variable, false);
-    const bool fit = can_be_scaled(values);
-    if (!fit) warn_unscaled(what);
-    return filters(variable, fit);
+    ScaleCheck check;
+    check.see(values);
+    const std::string obstacle = check.obstacle(storage_.scale.at(variable), storage_.float_size);
+    if (!obstacle.empty()) {
+        complain("kob import", fmt::format("warning: {} holds {}: stored unscaled", printable(what), obstacle));
+    }
+    return filters(variable, obstacle.empty());
 }
 
 void Target::write(const Results& r)

@@ -116,8 +116,19 @@ struct SparseMatrix {
     std::vector<double> values;
 };
 
-/// The filter behind --scale counts in integers and cannot hold what is no number.
-bool can_be_scaled(const std::vector<double>& values);
+/// The filter behind --scale counts steps in integers: it holds neither what is no number nor a range of too many steps.
+class ScaleCheck {
+public:
+    void see(const std::vector<double>& values);
+    /// Why what was seen cannot be scaled; empty: it can.
+    std::string obstacle(std::int32_t digits, std::int32_t float_size) const;
+
+private:
+    bool finite_ = true;
+    double least_ = 0;
+    double most_ = 0;
+    bool any_ = false;
+};
 
 class Target {
 public:
