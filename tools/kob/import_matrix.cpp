@@ -123,23 +123,32 @@ SparseMatrix make_sparse(matrix::File& file, std::int64_t& repeated)
     return m;
 }
 
+enum class Part { both, stored }; ///< triangles of a matrix with symmetry: both, or the one in the file
+
 /// A place for each entry, `index` says which; an entry whose place is taken is added and counted.
-template <class Each, class Index>
-void fill(std::vector<double>& out, bool complex, std::size_t places, Each each, Index index, std::int64_t& repeated)
+template <class Index>
+void fill(matrix::File& file, Part part, std::vector<double>& out, std::size_t places, Index index,
+          std::int64_t& repeated)
 {
-    Values values{out, complex};
+    file.each([](const matrix::Entry&) {}); // a broken file shall be told before memory is taken
+    Values values{out, file.complex()};
     values.resize(places);
     std::vector<bool> taken(places);
-    each([&](const matrix::Entry& e) {
+    const bool general = file.symmetry() == matrix::Symmetry::general;
+    const auto put = [&](const matrix::Entry& e) {
         const std::size_t at = index(e);
-        if (taken[at]) {
-            values.add(at, e);
-            ++repeated;
-        } else {
+        if (!taken[at]) {
             values.set(at, e); // not added: minus zero stays what it is
             taken[at] = true;
+            return;
         }
-    });
+        values.add(at, e);
+        if (general || e.column <= e.row) ++repeated; // what the file says once may stand in both triangles
+    };
+    if (part == Part::both)
+        file.each_of_both(put);
+    else
+        file.each(put);
 }
 
 DenseMatrix make_dense(matrix::File& file, std::int64_t& repeated)
@@ -148,15 +157,11 @@ DenseMatrix make_dense(matrix::File& file, std::int64_t& repeated)
     m.rows = file.rows();
     m.columns = file.columns();
     m.complex = file.complex();
-    file.each([](const matrix::Entry&) {}); // a broken file shall be told before memory is taken
     const auto columns = static_cast<std::size_t>(m.columns);
-    fill(
-        m.values, m.complex, static_cast<std::size_t>(m.rows) * columns,
-        [&](const auto& use) { file.each_of_both(use); },
-        [&](const matrix::Entry& e) {
-            return static_cast<std::size_t>(e.row) * columns + static_cast<std::size_t>(e.column);
-        },
-        repeated);
+    const auto index = [&](const matrix::Entry& e) {
+        return static_cast<std::size_t>(e.row) * columns + static_cast<std::size_t>(e.column);
+    };
+    fill(file, Part::both, m.values, static_cast<std::size_t>(m.rows) * columns, index, repeated);
     return m;
 }
 
@@ -172,15 +177,12 @@ TriangularMatrix make_triangular(matrix::File& file, std::int64_t& repeated)
     m.order = file.rows();
     m.type = static_cast<std::int32_t>(file.symmetry());
     m.complex = file.complex();
-    file.each([](const matrix::Entry&) {});
     const auto n = static_cast<std::size_t>(m.order);
-    fill(
-        m.values, m.complex, n * (n + 1) / 2, [&](const auto& use) { file.each(use); },
-        [](const matrix::Entry& e) {
-            const auto row = static_cast<std::size_t>(e.row);
-            return row * (row + 1) / 2 + static_cast<std::size_t>(e.column);
-        },
-        repeated);
+    const auto index = [](const matrix::Entry& e) {
+        const auto row = static_cast<std::size_t>(e.row);
+        return row * (row + 1) / 2 + static_cast<std::size_t>(e.column);
+    };
+    fill(file, Part::stored, m.values, n * (n + 1) / 2, index, repeated);
     return m;
 }
 
