@@ -112,25 +112,6 @@ TEST(Info, SaysThatThereIsNoHeaderAndNoSystem)
     EXPECT_EQ(info.at("kinds"), json::array());
 }
 
-TEST(Info, RecognizesTheOlderLayout)
-{
-    KobFile file;
-    std::int32_t status = 77;
-    KOB1_WRITE_FILEHEADER(file.address(), nullptr, nullptr, &status);
-    ASSERT_EQ(status, 0);
-    write_index(file);
-    file.close();
-    const Outcome info = run_program({"info", file.path()});
-    EXPECT_EQ(info.exit_code, 0);
-    EXPECT_TRUE(contains(info.out, "\nFormat    KOB 1.2.0, not the version of this program\n")) << info.out;
-    const Outcome listing = run_program({"ls", file.path(), "--json"});
-    EXPECT_EQ(listing.exit_code, 0);
-    EXPECT_TRUE(contains(listing.err, "the older layout (version 1 2 0): only keys and paths are listed"))
-        << listing.err;
-    EXPECT_EQ(listing.json().at("blocks").size(), 2U);
-    EXPECT_EQ(run_program({"show", file.path(), "indices"}).exit_code, 3);
-}
-
 TEST(Info, SaysWhatIsWrongWithAHeader)
 {
     const SampleFile file;

@@ -36,4 +36,15 @@ const std::vector<Kind>& all_kinds()
     return kinds;
 }
 
+const std::vector<Kind>& older_kinds()
+{
+    static const std::vector<Kind> kinds{
+        {20, 0, "indices", "", "", "etypindex", Look::lists, scan_older_index},
+        {30, 0, "variables", "", "etypvar", "cname", Look::lists, scan_older_variables},
+        {40, 0, "text", "etyptext", "", "line", Look::lists, scan_older_text},
+        {300, 0, "connectivities", "etypelem", "", "ic", Look::lists, scan_older_connectivities},
+    };
+    return kinds;
+}
+
 } // namespace kob::program

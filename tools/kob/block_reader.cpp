@@ -47,6 +47,13 @@ std::int64_t memory_limit()
     return product(pages, page_size);
 }
 
+const Kind* kind_among(const std::vector<Kind>& kinds, std::int32_t key)
+{
+    for (const Kind& kind : kinds)
+        if (key == kind.key || (kind.complex_key != 0 && key == kind.complex_key)) return &kind;
+    return nullptr;
+}
+
 } // namespace
 
 std::string_view type_name(Type type)
@@ -158,11 +165,12 @@ std::optional<Series> series_of(const Block& block)
                   state_values(block, std::max<std::int64_t>(states - 1, 0))};
 }
 
-const Kind* find_kind(std::int32_t key)
+const Kind* find_kind(std::int32_t key) { return kind_among(all_kinds(), key); }
+
+const Kind* find_kind(const Entry& entry)
 {
-    for (const Kind& kind : all_kinds())
-        if (key == kind.key || (kind.complex_key != 0 && key == kind.complex_key)) return &kind;
-    return nullptr;
+    const Kind* kind = entry.older ? kind_among(older_kinds(), entry.key) : nullptr;
+    return kind != nullptr ? kind : find_kind(entry.key);
 }
 
 Block read_block(const File& file, const Entry& entry, Depth depth, std::int64_t rows)
@@ -170,13 +178,10 @@ Block read_block(const File& file, const Entry& entry, Depth depth, std::int64_t
     const std::string name = printable(short_path(entry));
     Block block;
     block.key = entry.key;
-    block.kind = find_kind(entry.key);
+    block.older = entry.older;
+    block.kind = find_kind(entry);
     if (block.kind == nullptr)
         throw Failure{exit_cannot_read, fmt::format("{}: a block of the unknown kind {}", name, entry.key)};
-    if (file.older_layout())
-        throw Failure{exit_cannot_read,
-                      fmt::format("{}: blocks of the kind \"{}\" in the older layout cannot be shown yet", name,
-                                  block.kind->name)};
     Group group{file.group(), entry.path};
     try {
         BlockScan scan{block, group.handle(), depth, rows};
@@ -308,7 +313,7 @@ void BlockScan::call(const std::function<void(std::int32_t& status)>& reader)
 void BlockScan::refuse(const std::string& why) const { throw Failure{exit_cannot_read, why}; }
 
 StateIndex::StateIndex(BlockScan& in)
-    : nindex{in.integer("nindex")}, indexic{in.integer("indexic")},
+    : nindex{in.integer("nindex")}, indexic{in.older() ? nullptr : &in.integer("indexic")},
       indexident{in.integers("indexident")}, indexval{in.reals("indexval")}
 {
 }

@@ -15,6 +15,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <type_traits>
 #include <variant>
 #include <vector>
@@ -109,9 +110,13 @@ struct Kind {
     void (*scan)(BlockScan&);
 };
 
-/// The kind of a block key; null for a key that the program does not know.
+/// The kind of a block; null for a key that the program does not know.
+const Kind* find_kind(const Entry& entry);
+/// The kind of a key in the current layout.
 const Kind* find_kind(std::int32_t key);
 const std::vector<Kind>& all_kinds();
+/// Kinds of the older layout that share no more than the key with those of the current one.
+const std::vector<Kind>& older_kinds();
 
 /// How much of a block is read. Each includes the ones before it.
 enum class Depth { attributes, index, values };
@@ -125,6 +130,7 @@ public:
     Block& operator=(Block&&) = default;
 
     std::int32_t key = 0;
+    bool older = false; ///< in the older layout
     const Kind* kind = nullptr;
     std::deque<Item> items;        ///< a deque: references stay good while items are added
     bool filters_known = false;    ///< whether values were read, so that the next two mean something
@@ -162,6 +168,17 @@ std::optional<Series> series_of(const Block& block);
 /// A block that cannot be read, or whose counts no file can mean, is a Failure that names it.
 Block read_block(const File& file, const Entry& entry, Depth depth, std::int64_t rows = all_rows);
 
+/// Marks of arguments that only one generation's reader has, and the place of the status.
+template <class T> struct CurrentOnly {
+    T current_only;
+};
+template <class T> CurrentOnly(T) -> CurrentOnly<T>;
+template <class T> struct OlderOnly {
+    T older_only;
+};
+template <class T> OlderOnly(T) -> OlderOnly<T>;
+struct StatusArgument {};
+
 /// What a kind's description works with: it declares the items, calls the reader of the library section by section, and
 /// gives each dataset its shape as soon as the counts are known.
 class BlockScan {
@@ -198,9 +215,22 @@ public:
 
     /// Calls a reader of the library and refuses the block when the status is negative.
     void call(const std::function<void(std::int32_t& status)>& reader);
+    /// The same with the reader of the block's generation: both take these arguments, but for the marked ones.
+    template <class Current, class Older, class... Args>
+    void call(Current* current_reader, Older* older_reader, Args... args)
+    {
+        call([&](std::int32_t& status) { dispatch(current_reader, older_reader, status, args...); });
+    }
     [[noreturn]] void refuse(const std::string& why) const;
 
+    bool older() const { return block_.older; }
     bool reads(Depth depth) const { return depth_ >= depth; }
+    /// From here on everything is read: the reader has no call for less.
+    void read_whole()
+    {
+        depth_ = Depth::values;
+        rows_ = all_rows;
+    }
     const std::int64_t* handle() const { return handle_; }
     std::int32_t key() const { return block_.key; }
     bool complex_key() const { return block_.kind->complex_key == block_.key; }
@@ -209,6 +239,33 @@ public:
     void filters_found() { block_.filters_known = true; }
 
 private:
+    template <class Current, class Older, class... Args>
+    void dispatch(Current* current_reader, Older* older_reader, std::int32_t& status, Args... args)
+    {
+        if (block_.older)
+            std::apply(older_reader, std::tuple_cat(argument<true>(args, status)...));
+        else
+            std::apply(current_reader, std::tuple_cat(argument<false>(args, status)...));
+    }
+    template <bool is_older, class T> static auto argument(T value, std::int32_t& status)
+    {
+        if constexpr (std::is_same_v<T, StatusArgument>)
+            return std::make_tuple(&status);
+        else if constexpr (requires { value.current_only; })
+            return only<!is_older>(value.current_only);
+        else if constexpr (requires { value.older_only; })
+            return only<is_older>(value.older_only);
+        else
+            return std::make_tuple(value);
+    }
+    template <bool taken, class T> static auto only(T value)
+    {
+        if constexpr (taken)
+            return std::make_tuple(value);
+        else
+            return std::make_tuple();
+    }
+
     Item& add(std::string_view name, Stored stored, Type type, std::int32_t width);
     void set_extents(Item& item, const std::vector<std::int64_t>& extents) const;
     void set_states(Item& item, std::int64_t states, const std::vector<std::int64_t>& extents) const;
@@ -226,8 +283,10 @@ struct StateIndex {
     explicit StateIndex(BlockScan& in);
     /// Once nindex is known; true when there is something to read.
     bool shape(BlockScan& in) const;
+    bool is_counted() const { return nindex.integer() > 0; }
+    CurrentOnly<std::int32_t*> code() const { return {indexic != nullptr ? indexic->ints() : nullptr}; }
     Item& nindex;
-    Item& indexic;
+    Item* indexic; ///< null in the older layout
     Item& indexident;
     Item& indexval;
 };
@@ -237,6 +296,7 @@ struct SeriesIndex {
     explicit SeriesIndex(BlockScan& in);
     /// Once nindex and nstate are known; true when there is something to read.
     bool shape(BlockScan& in) const;
+    bool is_counted() const { return nindex.integer() > 0; }
     Item& nindex;
     Item& nstate;
     Item& indexident;

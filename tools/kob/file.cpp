@@ -20,13 +20,16 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <iterator>
 #include <limits>
 #include <memory>
+#include <optional>
 
 namespace kob::program {
 
 namespace {
 
+constexpr std::int32_t header_key = 1;
 constexpr std::int32_t read_only = 2;       // the group behind "post"
 constexpr std::int32_t read_only_root = 10; // the root group
 constexpr std::int32_t verbose = 1024;
@@ -108,6 +111,40 @@ OpenReport parse_report(const std::string& text)
     return report;
 }
 
+/// The order of the walk: by the names of the levels.
+bool is_before(const Entry& a, const Entry& b)
+{
+    const auto rank = [](char c) { return c == '/' ? 0 : static_cast<unsigned char>(c); };
+    return std::lexicographical_compare(a.path.begin(), a.path.end(), b.path.begin(), b.path.end(),
+                                        [&](char x, char y) { return rank(x) < rank(y); });
+}
+
+/// All blocks of one generation.
+std::vector<Entry> blocks_below(const std::string& file, std::int64_t group, decltype(&kob_lookup) lookup)
+{
+    std::int32_t store = 1;
+    std::int32_t quiet = 0;
+    std::int32_t capacity = 0;
+    std::int64_t size = 0;
+    std::int32_t count = 0;
+    std::int64_t length = 0;
+    std::int32_t* keys = nullptr;
+    std::int64_t* offsets = nullptr;
+    char* paths = nullptr;
+    std::int32_t status = 0;
+    lookup(&group, &store, &quiet, &capacity, &size, &count, &length, &keys, &offsets, &paths, &status);
+    const std::unique_ptr<std::int32_t, decltype(&std::free)> own_keys{keys, &std::free};
+    const std::unique_ptr<std::int64_t, decltype(&std::free)> own_offsets{offsets, &std::free};
+    const std::unique_ptr<char, decltype(&std::free)> own_paths{paths, &std::free};
+    if (status != 0)
+        throw Failure{exit_cannot_read,
+                      fmt::format("{}: the blocks cannot be listed (status {})", printable(file), status)};
+    std::vector<Entry> entries;
+    entries.reserve(static_cast<std::size_t>(count));
+    for (std::int32_t i = 0; i < count; ++i) entries.push_back({i, keys[i], paths + offsets[i]});
+    return entries;
+}
+
 } // namespace
 
 std::string_view short_path(const Entry& entry)
@@ -144,8 +181,8 @@ File::File(const std::string& path) : path_{path}
 {
     open();
     try {
-        list_entries();
         read_header();
+        list_entries();
     } catch (...) {
         std::int32_t status = 0;
         KOB_CLOSE(&group_, &status);
@@ -186,42 +223,41 @@ void File::open()
 
 void File::list_entries()
 {
-    std::int32_t store = 1;
-    std::int32_t quiet = 0;
-    std::int32_t capacity = 0;
-    std::int64_t size = 0;
-    std::int32_t count = 0;
-    std::int64_t length = 0;
-    std::int32_t* keys = nullptr;
-    std::int64_t* offsets = nullptr;
-    char* paths = nullptr;
-    std::int32_t status = 0;
-    kob_lookup(&group_, &store, &quiet, &capacity, &size, &count, &length, &keys, &offsets, &paths, &status);
-    const std::unique_ptr<std::int32_t, decltype(&std::free)> own_keys{keys, &std::free};
-    const std::unique_ptr<std::int64_t, decltype(&std::free)> own_offsets{offsets, &std::free};
-    const std::unique_ptr<char, decltype(&std::free)> own_paths{paths, &std::free};
-    if (status != 0)
-        throw Failure{exit_cannot_read,
-                      fmt::format("{}: the blocks cannot be listed (status {})", printable(path_), status)};
-    entries_.reserve(static_cast<std::size_t>(count));
-    for (std::int32_t i = 0; i < count; ++i) entries_.push_back({i, keys[i], paths + offsets[i]});
+    entries_ = blocks_below(path_, group_, kob_lookup);
+    if (may_hold_older_blocks()) {
+        std::vector<Entry> older = blocks_below(path_, group_, kob1_lookup);
+        std::erase_if(older, [](const Entry& entry) { return entry.key == header_key; }); // listed by both
+        for (Entry& entry : older) entry.older = true;
+        std::vector<Entry> both;
+        std::merge(entries_.begin(), entries_.end(), older.begin(), older.end(), std::back_inserter(both), is_before);
+        entries_ = std::move(both);
+    }
+    std::int32_t number = 0;
+    for (Entry& entry : entries_) entry.number = number++;
 }
 
 void File::read_header()
 {
     constexpr std::size_t version_length = 32;
-    for (const Entry& entry : entries_) {
-        if (entry.path != "kobheader") continue;
-        Group group{group_, entry.path};
+    std::optional<Group> group;
+    try {
+        const Diverted errors{STDERR_FILENO};
+        group.emplace(group_, "kobheader");
+    } catch (const Failure&) {
+        return; // a file without header
+    }
+    has_header_ = true;
+    // The caller says what is wrong with a header; the reader's own lines would say it a second time.
+    const Diverted errors{STDERR_FILENO};
+    const auto read = [&](decltype(&KOB_READ_FILEHEADER) reader) {
         std::array<char, version_length> version{};
         std::int32_t flags = 0;
         std::array<std::int32_t, 2> params{};
-        has_header_ = true;
-        // The caller says what is wrong with a header; the reader's own lines would say it a second time.
-        const Diverted errors{STDERR_FILENO};
-        KOB_READ_FILEHEADER(group.handle(), version.data(), &flags, params.data(), &header_.status);
+        reader(group->handle(), version.data(), &flags, params.data(), &header_.status);
         if (header_.status >= 0) header_.version = trimmed({version.data(), strnlen(version.data(), version_length)});
-    }
+    };
+    read(KOB_READ_FILEHEADER);
+    if (header_.older_layout()) read(KOB1_READ_FILEHEADER);
 }
 
 std::int64_t File::stored_bytes() const

@@ -14,6 +14,7 @@ struct Entry {
     std::int32_t number; ///< place in the listing of the whole file, from 0
     std::int32_t key;    ///< block key; 1 is the file header
     std::string path;    ///< from the group that holds the blocks, for example constant/system/kobblock
+    bool older = false;  ///< the block is in the older layout
 };
 
 /// The path without its last level "kobblock", as people name a block.
@@ -23,7 +24,7 @@ std::vector<std::int64_t> state_numbers(const Entry& entry);
 
 /// What the file header says.
 struct Header {
-    std::int32_t status = -1; ///< of KOB_READ_FILEHEADER: 0 good, 1 to 8 wrong signature, 100 and more another version
+    std::int32_t status = -1; ///< of its reader: 0 good, 1 to 8 wrong signature, 100 and more an unknown version
     std::string version;      ///< for example "2 2 16"
     bool older_layout() const { return version.starts_with("1 "); }
 };
@@ -60,6 +61,7 @@ private:
     void open();
     void list_entries();
     void read_header();
+    bool may_hold_older_blocks() const { return !has_header_ || header_.status != 0 || header_.older_layout(); }
 
     std::string path_;
     std::int64_t group_ = 0;

@@ -41,18 +41,20 @@ struct Count {
     std::int64_t unread = 0; ///< blocks whose size is not known
 };
 
+/// Block key and kind: the generations have kinds of their own under some keys.
+using KindKey = std::pair<std::int32_t, const Kind*>;
+
 struct Summary {
     std::optional<Block> system;
     std::map<std::vector<std::int64_t>, State> states; ///< by state numbers, in the order of the index values
     std::map<std::string, SeriesCount> series;         ///< by name
-    std::map<std::int32_t, Count> kinds;               ///< by block key
+    std::map<KindKey, Count> kinds;
     Count total;
     int exit_code = 0;
 };
 
-std::string kind_name(std::int32_t key)
+std::string kind_name(std::int32_t key, const Kind* kind)
 {
-    const Kind* kind = find_kind(key);
     if (kind == nullptr) return "?";
     return fmt::format("{}{}", kind->name, key == kind->complex_key ? " (complex)" : "");
 }
@@ -70,15 +72,15 @@ Summary summarize(const File& file)
 {
     Summary summary;
     for (const Entry& entry : file.entries()) {
-        const Kind* kind = find_kind(entry.key);
+        const Kind* kind = find_kind(entry);
         std::optional<Block> block;
         try {
-            if (kind != nullptr && !file.older_layout()) block = read_block(file, entry, Depth::index);
+            if (kind != nullptr) block = read_block(file, entry, Depth::index);
         } catch (const Failure& failure) { // the rest is still worth a summary
             complain("kob info", failure.what());
             summary.exit_code = failure.exit_code;
         }
-        count(summary.kinds[entry.key], block);
+        count(summary.kinds[{entry.key, kind}], block);
         count(summary.total, block);
         const std::vector<std::int64_t> numbers = state_numbers(entry);
         if (!numbers.empty()) {
@@ -160,7 +162,8 @@ std::string header_text(const Header* header)
     for (char& c : version)
         if (c == ' ') c = '.';
     if (header->status % 100 != 0) return fmt::format("KOB {}, wrong signature", version);
-    return fmt::format("KOB {}{}", version, header->status >= 100 ? ", not the version of this program" : "");
+    if (header->status >= 100) return fmt::format("KOB {}, not the version of this program", version);
+    return fmt::format("KOB {}{}", version, header->older_layout() ? ", the older layout" : "");
 }
 
 std::string count_bytes(const Count& count)
@@ -213,8 +216,9 @@ void print(const File& file, const Summary& summary)
 
     Table kinds{{"KEY", "KIND", "BLOCKS", "UNPACKED"}};
     for (const std::size_t column : {0U, 2U, 3U}) kinds.align_right(column);
-    for (const auto& [key, count] : summary.kinds)
-        kinds.add({fmt::format("{}", key), kind_name(key), fmt::format("{}", count.blocks), count_bytes(count)});
+    for (const auto& [type, count] : summary.kinds)
+        kinds.add({fmt::format("{}", type.first), kind_name(type.first, type.second), fmt::format("{}", count.blocks),
+                   count_bytes(count)});
     fmt::print("\n");
     kinds.print();
 
@@ -265,8 +269,8 @@ Json describe(const File& file, const Summary& summary)
         }
     }
     json["kinds"] = Json::array();
-    for (const auto& [key, count] : summary.kinds) {
-        const Kind* kind = find_kind(key);
+    for (const auto& [type, count] : summary.kinds) {
+        const auto& [key, kind] = type;
         json["kinds"].push_back({{"key", key},
                                  {"kind", kind != nullptr ? Json(kind->name) : Json{}},
                                  {"blocks", count.blocks},

@@ -73,7 +73,9 @@ std::vector<std::int32_t> wanted_keys(const std::vector<std::string>& words)
 {
     std::vector<std::int32_t> keys;
     std::vector<std::string> names;
-    for (const Kind& kind : all_kinds()) names.emplace_back(kind.name);
+    std::vector<Kind> kinds = all_kinds();
+    kinds.insert(kinds.end(), older_kinds().begin(), older_kinds().end());
+    for (const Kind& kind : kinds) names.emplace_back(kind.name);
     for (const std::string& word : words) {
         std::int32_t key = 0;
         const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), key);
@@ -85,7 +87,7 @@ std::vector<std::int32_t> wanted_keys(const std::vector<std::string>& words)
         if (found == names.end())
             throw Failure{exit_usage,
                           fmt::format("there is no kind of block \"{}\"{}", printable(word), suggestion(word, names))};
-        const Kind& kind = all_kinds()[static_cast<std::size_t>(found - names.begin())];
+        const Kind& kind = kinds[static_cast<std::size_t>(found - names.begin())];
         keys.push_back(kind.key);
         if (kind.complex_key != 0) keys.push_back(kind.complex_key);
     }
@@ -234,19 +236,16 @@ int list(const Options& options)
     const std::optional<StateFilter> state =
         options.state.empty() ? std::nullopt : std::optional<StateFilter>{options.state};
     const File file{options.file};
-    if (file.older_layout())
-        complain("kob ls", fmt::format("{}: the older layout (version {}): only keys and paths are listed",
-                                       printable(options.file), printable(file.header()->version)));
     int exit_code = 0;
     std::vector<Row> rows;
     for (const Entry& entry : file.entries()) {
         if (!keys.empty() && std::find(keys.begin(), keys.end(), entry.key) == keys.end()) continue;
         const bool is_series = entry.path.starts_with("multistate/");
         if (state && !is_series && !state->accepts(entry)) continue;
-        Row row{entry, find_kind(entry.key), std::nullopt};
+        Row row{entry, find_kind(entry), std::nullopt};
         bool accepted = !state || !is_series;
         try {
-            if (row.kind != nullptr && !file.older_layout()) {
+            if (row.kind != nullptr) {
                 const Block block = read_block(file, entry, Depth::index);
                 accepted = accepted || state->accepts(block);
                 row.facts = facts_of(block);

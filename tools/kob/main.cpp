@@ -51,6 +51,7 @@ int main(int argc, char** argv)
     add_merge(app, exit_code);
     add_split(app, exit_code);
     add_params(app, exit_code);
+    add_upgrade(app, exit_code);
 
     if (const char* word = first_word(argc, argv)) {
         const std::vector<std::string> verbs = verb_names(app);

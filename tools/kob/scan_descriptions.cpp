@@ -45,11 +45,11 @@ void scan_system(BlockScan& in)
     Item& udbid = in.integers("udbid");
     Item& udbexp = in.reals("udbexp");
     const auto read = [&](std::int32_t mode, std::int32_t& status) {
-        KOB_READ_SYSTEM(in.handle(), &mode, title.chars(), sys.chars(), solver_name.chars(), solver_vers.chars(),
-                        cdate.chars(), ctime.chars(), mdate.chars(), mtime.chars(), nbunit.ints(), ndunit.ints(),
-                        ubid.ints(), ubtyp.chars(), ubnam.chars(), ubshift.reals(), ubcon.reals(), udid.ints(),
-                        udnam.chars(), udscal.reals(), ndbunit.ints(), udbid.ints(), udbexp.reals(), in.filter_flags(),
-                        in.filter_params(), &status);
+        const auto reader = in.older() ? KOB1_READ_SYSTEM : KOB_READ_SYSTEM;
+        reader(in.handle(), &mode, title.chars(), sys.chars(), solver_name.chars(), solver_vers.chars(), cdate.chars(),
+               ctime.chars(), mdate.chars(), mtime.chars(), nbunit.ints(), ndunit.ints(), ubid.ints(), ubtyp.chars(),
+               ubnam.chars(), ubshift.reals(), ubcon.reals(), udid.ints(), udnam.chars(), udscal.reals(),
+               ndbunit.ints(), udbid.ints(), udbexp.reals(), in.filter_flags(), in.filter_params(), &status);
     };
     in.call([&](std::int32_t& status) { read(1, status); });
     const auto shape = [&](Item& item, std::int64_t n) { in.shape(item, {n}, Depth::attributes); }; // a small block
@@ -63,10 +63,7 @@ void scan_system(BlockScan& in)
         std::int32_t status = 0;
         read(2, status);
     }
-    std::uint32_t sum = 0; // the library counts in 32 bits
-    for (std::int64_t i = 0; i < ndbunit.read_count(); ++i) sum += static_cast<std::uint32_t>(ndbunit.integer(i));
-    const auto factors = static_cast<std::int32_t>(sum);
-    for (Item* item : {&udbid, &udbexp}) shape(*item, factors);
+    for (Item* item : {&udbid, &udbexp}) shape(*item, sum_of(ndbunit));
     in.call([&](std::int32_t& status) { read(2, status); });
     in.filters_found();
 }
@@ -169,7 +166,7 @@ void scan_text(BlockScan& in)
     const auto read = [&](std::int32_t sections) {
         in.call([&](std::int32_t& status) {
             KOB_READ_TEXT(in.handle(), &sections, etyptext.chars(), nlines.ints(), length.ints(), index.nindex.ints(),
-                          index.indexic.ints(), index.indexident.ints(), index.indexval.reals(), line.chars(),
+                          index.code().current_only, index.indexident.ints(), index.indexval.reals(), line.chars(),
                           in.filter_flags(), in.filter_params(), &status);
         });
     };

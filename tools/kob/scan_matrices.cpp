@@ -25,6 +25,7 @@ struct MatrixOwner {
 template <class Read>
 void read_matrix(BlockScan& in, const StateIndex& index, Item& val, std::vector<std::int64_t> extents, Read&& read)
 {
+    if (in.older() && in.reads(Depth::index) && index.is_counted()) in.read_whole(); // no pass for the index alone
     val.complex_pairs = in.complex_key();
     if (val.complex_pairs) extents.push_back(2);
     in.shape_leading(val, extents);
@@ -54,13 +55,10 @@ void scan_dense_matrix(BlockScan& in)
     const StateIndex index{in};
     Item& val = in.reals("val");
     const auto read = [&](std::int32_t pass, const Piece* piece) {
-        in.call([&](std::int32_t& status) {
-            KOB_READ_DENSEMATRIX(in.handle(), &pass, owner.etyp.chars(), owner.entid.ints(), owner.etypvar.chars(),
-                                 nrow.ints(), ncolumn.ints(), index.nindex.ints(), index.indexic.ints(),
-                                 index.indexident.ints(), index.indexval.reals(), val.reals(), in.filter_flags(),
-                                 in.filter_params(), count_of(piece), start_of(piece), &status, text_length,
-                                 text_length);
-        });
+        in.call(KOB_READ_DENSEMATRIX, KOB1_READ_DENSEMATRIX, in.handle(), &pass, owner.etyp.chars(), owner.entid.ints(),
+                owner.etypvar.chars(), nrow.ints(), ncolumn.ints(), index.nindex.ints(), index.code(),
+                index.indexident.ints(), index.indexval.reals(), val.reals(), in.filter_flags(), in.filter_params(),
+                count_of(piece), start_of(piece), StatusArgument{}, text_length, text_length);
     };
     read(attributes_pass, nullptr);
     read_matrix(in, index, val, {nrow.integer(), ncolumn.integer()}, read);
@@ -74,13 +72,10 @@ void scan_triangular_matrix(BlockScan& in)
     const StateIndex index{in};
     Item& val = in.reals("val");
     const auto read = [&](std::int32_t pass, const Piece* piece) {
-        in.call([&](std::int32_t& status) {
-            KOB_READ_TRIANGULARMATRIX(in.handle(), &pass, owner.etyp.chars(), owner.entid.ints(), owner.etypvar.chars(),
-                                      nsize.ints(), matrixtype.ints(), index.nindex.ints(), index.indexic.ints(),
-                                      index.indexident.ints(), index.indexval.reals(), val.reals(), in.filter_flags(),
-                                      in.filter_params(), count_of(piece), start_of(piece), &status, text_length,
-                                      text_length);
-        });
+        in.call(KOB_READ_TRIANGULARMATRIX, KOB1_READ_TRIANGULARMATRIX, in.handle(), &pass, owner.etyp.chars(),
+                owner.entid.ints(), owner.etypvar.chars(), nsize.ints(), matrixtype.ints(), index.nindex.ints(),
+                index.code(), index.indexident.ints(), index.indexval.reals(), val.reals(), in.filter_flags(),
+                in.filter_params(), count_of(piece), start_of(piece), StatusArgument{}, text_length, text_length);
     };
     read(attributes_pass, nullptr);
     const auto order = static_cast<std::uint32_t>(nsize.integer());
@@ -98,15 +93,14 @@ void scan_sparse_matrix(BlockScan& in)
     Item& rowptr = in.long_integers("rowptr");
     Item& val = in.reals("val");
     const auto read = [&](std::int32_t pass, const Piece* piece) {
-        in.call([&](std::int32_t& status) {
-            KOB_READ_SPARSEMATRIX(in.handle(), &pass, owner.etyp.chars(), owner.entid.ints(), owner.etypvar.chars(),
-                                  nrow.ints(), nnz.longs(), index.nindex.ints(), index.indexic.ints(),
-                                  index.indexident.ints(), index.indexval.reals(), colind.ints(), rowptr.longs(),
-                                  val.reals(), in.filter_flags(), in.filter_params(), count_of(piece), start_of(piece),
-                                  &status, text_length, text_length);
-        });
+        in.call(KOB_READ_SPARSEMATRIX, KOB1_READ_SPARSEMATRIX, in.handle(), &pass, owner.etyp.chars(),
+                owner.entid.ints(), owner.etypvar.chars(), nrow.ints(), nnz.longs(), index.nindex.ints(), index.code(),
+                index.indexident.ints(), index.indexval.reals(), colind.ints(), rowptr.longs(), val.reals(),
+                in.filter_flags(), in.filter_params(), count_of(piece), start_of(piece), StatusArgument{}, text_length,
+                text_length);
     };
     read(attributes_pass, nullptr);
+    if (in.older() && in.reads(Depth::index) && index.is_counted()) in.read_whole();
     in.shape(colind, {nnz.integer()});
     in.shape(rowptr, {nrow.integer() + 1});
     read_matrix(in, index, val, {nnz.integer()}, read);

@@ -11,23 +11,30 @@ namespace {
 
 using EntityListReader = decltype(&KOB_READ_ATTRIBUTES);
 
+/// Characters of a title: the older layout does not ask.
+struct TitleLength {
+    explicit TitleLength(BlockScan& in) : item{in.older() ? nullptr : &in.integer("length")} {}
+    std::int64_t integer() const { return item != nullptr ? item->integer() : 256; }
+    CurrentOnly<std::int32_t*> argument() const { return {item != nullptr ? item->ints() : nullptr}; }
+    Item* item; ///< null in the older layout
+};
+
 /// Attributes and identifiers are of the same make.
 void scan_entity_list(BlockScan& in, EntityListReader reader)
 {
     Item& etyp = in.text("etyp");
     Item& nent = in.integer("nent");
     Item& nuid = in.integer("nuid");
-    Item& length = in.integer("length");
+    const TitleLength length{in};
     const StateIndex index{in};
     Item& entid = in.integers("entid");
     Item& title = in.texts("title");
     Item& uid = in.integers("uid");
     const auto read = [&](std::int32_t sections) {
-        in.call([&](std::int32_t& status) {
-            reader(in.handle(), &sections, etyp.chars(), nent.ints(), nuid.ints(), length.ints(), index.nindex.ints(),
-                   index.indexic.ints(), index.indexident.ints(), index.indexval.reals(), entid.ints(), title.chars(),
-                   uid.ints(), in.filter_flags(), in.filter_params(), &status);
-        });
+        in.call(reader, KOB1_READ_ATTRIBUTES, // identifiers are a kind of the current layout alone
+                in.handle(), &sections, etyp.chars(), nent.ints(), nuid.ints(), length.argument(), index.nindex.ints(),
+                index.code(), index.indexident.ints(), index.indexval.reals(), entid.ints(), title.chars(), uid.ints(),
+                in.filter_flags(), in.filter_params(), StatusArgument{});
     };
     read_sections(in, index, read, [&] {
         in.shape(entid, {nent.integer()});
@@ -52,20 +59,20 @@ void scan_parts(BlockScan& in)
     Item& etyppart = in.text("etyppart");
     Item& npart = in.integer("npart");
     Item& off = in.integer("off");
-    Item& length = in.integer("length");
+    const TitleLength length{in};
     const StateIndex index{in};
     Item& pid = in.integers("pid");
     Item& title = in.texts("title");
     Item& mid = in.integers("mid");
     Item& mtyp = in.integers("mtyp");
     Item& pcol = in.integers("pcol");
+    Item* pvtyp = in.older() ? &in.integers("pvtyp") : nullptr;
     const auto read = [&](std::int32_t sections) {
-        in.call([&](std::int32_t& status) {
-            KOB_READ_PARTS(in.handle(), &sections, etyppart.chars(), npart.ints(), off.ints(), length.ints(),
-                           index.nindex.ints(), index.indexic.ints(), index.indexident.ints(), index.indexval.reals(),
-                           pid.ints(), title.chars(), mid.ints(), mtyp.ints(), pcol.ints(), in.filter_flags(),
-                           in.filter_params(), &status);
-        });
+        in.call(KOB_READ_PARTS, KOB1_READ_PARTS, in.handle(), &sections, etyppart.chars(), npart.ints(), off.ints(),
+                length.argument(), index.nindex.ints(), index.code(), index.indexident.ints(), index.indexval.reals(),
+                pid.ints(), title.chars(), mid.ints(), mtyp.ints(), pcol.ints(),
+                OlderOnly{pvtyp != nullptr ? pvtyp->ints() : nullptr}, in.filter_flags(), in.filter_params(),
+                StatusArgument{});
     };
     read_sections(in, index, read, [&] {
         in.shape(pid, {npart.integer()});
@@ -81,6 +88,7 @@ void scan_parts(BlockScan& in)
                 in.absent(*column);
             bit *= 2;
         }
+        if (pvtyp != nullptr) in.shape(*pvtyp, {npart.integer()});
     });
 }
 
@@ -106,7 +114,7 @@ void scan_connectivities(BlockScan& in)
         in.call([&](std::int32_t& status) {
             KOB_READ_CONNECTIVITIES(in.handle(), &sections, etyp.chars(), etypelem.chars(), etyppart.chars(),
                                     etypnode.chars(), etypvar.chars(), nele.ints(), npele.ints(), ndim.ints(),
-                                    nbint.ints(), nbfloat.ints(), index.nindex.ints(), index.indexic.ints(),
+                                    nbint.ints(), nbfloat.ints(), index.nindex.ints(), index.code().current_only,
                                     index.indexident.ints(), index.indexval.reals(), idele.ints(), pid.ints(),
                                     ic.ints(), iparam.ints(), fparam.reals(), in.filter_flags(), in.filter_params(),
                                     &status);
@@ -133,12 +141,10 @@ void scan_collector(BlockScan& in)
     Item& nent = in.integers("nent");
     Item& entid = in.integers("entid");
     const auto read = [&](std::int32_t pass) {
-        in.call([&](std::int32_t& status) {
-            KOB_READ_COLLECTOR(in.handle(), &pass, nenttot.ints(), etypcoll.chars(), ncoll.ints(), ntyp.ints(),
-                               index.nindex.ints(), index.indexic.ints(), index.indexident.ints(),
-                               index.indexval.reals(), idcoll.ints(), etyp.chars(), nent.ints(), entid.ints(),
-                               in.filter_flags(), in.filter_params(), &status);
-        });
+        in.call(KOB_READ_COLLECTOR, KOB1_READ_COLLECTOR, in.handle(), &pass, nenttot.ints(), etypcoll.chars(),
+                ncoll.ints(), ntyp.ints(), index.nindex.ints(), index.code(), index.indexident.ints(),
+                index.indexval.reals(), idcoll.ints(), etyp.chars(), nent.ints(), entid.ints(), in.filter_flags(),
+                in.filter_params(), StatusArgument{});
     };
     read_passes(in, index, read, [&] {
         in.shape(idcoll, {ncoll.integer()});
@@ -171,7 +177,7 @@ void scan_properties(BlockScan& in)
         in.call([&](std::int32_t& status) {
             KOB_READ_PROPERTIES(in.handle(), &sections, etyp.chars(), etypprop.chars(), etypzone.chars(), zoneid.ints(),
                                 nent.ints(), nbid.ints(), nbint.ints(), nbfloat.ints(), nbstring.ints(), length.ints(),
-                                index.nindex.ints(), index.indexic.ints(), index.indexident.ints(),
+                                index.nindex.ints(), index.code().current_only, index.indexident.ints(),
                                 index.indexval.reals(), entid.ints(), idparam.ints(), iparam.ints(), fparam.reals(),
                                 cparam.chars(), nullptr, nullptr, &mode, &rows, &first_row, &status);
         });

@@ -99,15 +99,12 @@ void scan_entity_results(BlockScan& in)
     const auto read = [&](std::int32_t sections, std::int32_t mode, const std::int64_t* count,
                           const std::int64_t* start) {
         constexpr std::int32_t memory_size = sizeof(double);
-        in.call([&](std::int32_t& status) {
-            KOB_READ_ENTITYRESULTS2(
-                in.handle(), &sections, nullptr, table.etyp.chars(), table.nent.ints(), table.etypvar.chars(),
-                table.ncoo.ints(), table.etypzone.chars(), table.zoneid.ints(), table.etypframe.chars(),
-                table.fswitch.ints(), table.dmpswitch.ints(), index.nindex.ints(), index.indexic.ints(),
-                index.indexident.ints(), index.indexval.reals(), data.entid.ints(), data.fidglob.ints(),
-                data.fid.ints(), data.operators.chars(), data.weight.reals(), data.res.reals(), &memory_size,
-                in.filter_flags(), in.filter_params(), &mode, count, start, &status);
-        });
+        in.call(KOB_READ_ENTITYRESULTS2, KOB1_READ_ENTITYRESULTS2, in.handle(), &sections, nullptr, table.etyp.chars(),
+                table.nent.ints(), table.etypvar.chars(), table.ncoo.ints(), table.etypzone.chars(),
+                table.zoneid.ints(), table.etypframe.chars(), table.fswitch.ints(), table.dmpswitch.ints(),
+                index.nindex.ints(), index.code(), index.indexident.ints(), index.indexval.reals(), data.entid.ints(),
+                data.fidglob.ints(), data.fid.ints(), data.operators.chars(), data.weight.reals(), data.res.reals(),
+                &memory_size, in.filter_flags(), in.filter_params(), &mode, count, start, StatusArgument{});
     };
     read(attributes_section, whole_dataset, nullptr, nullptr);
     data.shape_identifiers(in, table);
@@ -128,34 +125,32 @@ void scan_multi_entity_results(BlockScan& in)
     const ResultTable table{in, ResultTable::On::entities};
     const SeriesIndex index{in};
     const ResultValues data{in, table};
-    const auto read = [&](std::int32_t pass, double* values, const Piece* piece) {
-        in.call([&](std::int32_t& status) {
-            KOB_READ_MULTIENTITYRESULTC(
-                in.handle(), &pass, series.chars(), table.etyp.chars(), table.nent.ints(), table.etypvar.chars(),
-                table.ncoo.ints(), table.etypzone.chars(), table.zoneid.ints(), table.etypframe.chars(),
-                table.fswitch.ints(), table.dmpswitch.ints(), index.nindex.ints(), index.nstate.ints(),
-                index.indexident.ints(), index.indexval.reals(), data.entid.ints(), data.fidglob.ints(),
-                data.fid.ints(), data.operators.chars(), data.weight.reals(), values, in.filter_flags(),
-                in.filter_params(), &hyperslab, piece != nullptr ? piece->count.data() : nullptr,
-                piece != nullptr ? piece->start.data() : nullptr, &status);
-        });
+    const auto read = [&](std::int32_t sections, double* values, const Piece* piece) {
+        constexpr std::int32_t memory_size = sizeof(double);
+        in.call(KOB_READ_MULTIENTITYRESULTS2, KOB1_READ_MULTIENTITYRESULTS2, in.handle(), &sections, nullptr,
+                series.chars(), table.etyp.chars(), table.nent.ints(), table.etypvar.chars(), table.ncoo.ints(),
+                table.etypzone.chars(), table.zoneid.ints(), table.etypframe.chars(), table.fswitch.ints(),
+                table.dmpswitch.ints(), index.nindex.ints(), index.nstate.ints(), index.indexident.ints(),
+                index.indexval.reals(), data.entid.ints(), data.fidglob.ints(), data.fid.ints(), data.operators.chars(),
+                data.weight.reals(), values, &memory_size, in.filter_flags(), in.filter_params(),
+                piece != nullptr ? &hyperslab : &whole_dataset, piece != nullptr ? piece->count.data() : nullptr,
+                piece != nullptr ? piece->start.data() : nullptr, StatusArgument{});
     };
-    read(attributes_pass, nullptr, nullptr);
+    read(attributes_section, nullptr, nullptr);
     data.shape_identifiers(in, table);
     in.shape_states_leading(data.res, index.nstate.integer(), table.extents(in));
-    const bool has_index = index.shape(in);
-    if (in.reads(Depth::values) && data.res.is_whole()) { // also compares all extents with the counts
-        read(whole_pass, data.res.reals(), nullptr);
+    if (index.shape(in) && in.reads(Depth::index)) read(index_section, nullptr, nullptr);
+    if (!in.reads(Depth::values)) return;
+    read(identifiers_section, nullptr, nullptr);
+    if (data.res.is_whole()) { // also compares all extents with the counts
+        read(values_section, data.res.reals(), nullptr);
         in.filters_found();
         return;
     }
-    if (has_index && in.reads(Depth::index)) read(index_pass, nullptr, nullptr);
-    if (!in.reads(Depth::values)) return;
-    read(identifiers_pass, nullptr, nullptr);
     if (data.res.read_count() == 0) return;
     for (std::int64_t i = 0; i < data.res.state_count; ++i) {
         const Piece piece{data.res, data.res.state(i)};
-        read(piece_pass, data.res.reals() + i * data.res.rows * data.res.row_length(), &piece);
+        read(values_section, data.res.reals() + i * data.res.rows * data.res.row_length(), &piece);
     }
     in.filters_found();
 }
@@ -166,15 +161,13 @@ void scan_element_results(BlockScan& in)
     const StateIndex index{in};
     const ResultValues data{in, table};
     const auto read = [&](std::int32_t pass) {
-        in.call([&](std::int32_t& status) {
-            KOB_READ_ELEMENTRESULTS(
-                in.handle(), &pass, table.etyp.chars(), table.nent.ints(), table.etypvar.chars(), table.ncoo.ints(),
-                table.numl->ints(), table.ndim->ints(), table.etypzone.chars(), table.zoneid.ints(),
-                table.etypframe.chars(), table.fswitch.ints(), table.dmpswitch.ints(), index.nindex.ints(),
-                index.indexic.ints(), index.indexident.ints(), index.indexval.reals(), data.entid.ints(),
-                data.fidglob.ints(), data.fid.ints(), data.eloc->reals(), data.operators.chars(), data.weight.reals(),
-                data.res.reals(), in.filter_flags(), in.filter_params(), &status);
-        });
+        in.call(KOB_READ_ELEMENTRESULTS, KOB1_READ_ELEMENTRESULTS, in.handle(), &pass, table.etyp.chars(),
+                table.nent.ints(), table.etypvar.chars(), table.ncoo.ints(), table.numl->ints(), table.ndim->ints(),
+                table.etypzone.chars(), table.zoneid.ints(), table.etypframe.chars(), table.fswitch.ints(),
+                table.dmpswitch.ints(), index.nindex.ints(), index.code(), index.indexident.ints(),
+                index.indexval.reals(), data.entid.ints(), data.fidglob.ints(), data.fid.ints(), data.eloc->reals(),
+                data.operators.chars(), data.weight.reals(), data.res.reals(), in.filter_flags(), in.filter_params(),
+                StatusArgument{});
     };
     read_passes(in, index, read, [&] {
         data.shape_identifiers(in, table);
@@ -189,15 +182,13 @@ void scan_multi_element_results(BlockScan& in)
     const SeriesIndex index{in};
     const ResultValues data{in, table};
     const auto read = [&](std::int32_t pass) {
-        in.call([&](std::int32_t& status) {
-            KOB_READ_MULTIELEMENTRESULTS(
-                in.handle(), &pass, series.chars(), table.etyp.chars(), table.nent.ints(), table.etypvar.chars(),
-                table.ncoo.ints(), table.numl->ints(), table.ndim->ints(), table.etypzone.chars(), table.zoneid.ints(),
-                table.etypframe.chars(), table.fswitch.ints(), table.dmpswitch.ints(), index.nindex.ints(),
-                index.nstate.ints(), index.indexident.ints(), index.indexval.reals(), data.entid.ints(),
-                data.fidglob.ints(), data.fid.ints(), data.eloc->reals(), data.operators.chars(), data.weight.reals(),
-                data.res.reals(), in.filter_flags(), in.filter_params(), &status);
-        });
+        in.call(KOB_READ_MULTIELEMENTRESULTS, KOB1_READ_MULTIELEMENTRESULTS, in.handle(), &pass, series.chars(),
+                table.etyp.chars(), table.nent.ints(), table.etypvar.chars(), table.ncoo.ints(), table.numl->ints(),
+                table.ndim->ints(), table.etypzone.chars(), table.zoneid.ints(), table.etypframe.chars(),
+                table.fswitch.ints(), table.dmpswitch.ints(), index.nindex.ints(), index.nstate.ints(),
+                index.indexident.ints(), index.indexval.reals(), data.entid.ints(), data.fidglob.ints(),
+                data.fid.ints(), data.eloc->reals(), data.operators.chars(), data.weight.reals(), data.res.reals(),
+                in.filter_flags(), in.filter_params(), StatusArgument{});
     };
     read_passes(in, index, read, [&] {
         data.shape_identifiers(in, table);
@@ -213,11 +204,9 @@ void scan_activation_flags(BlockScan& in)
     Item& entid = in.integers("entid");
     Item& flags = in.integers("status");
     const auto read = [&](std::int32_t pass) {
-        in.call([&](std::int32_t& status) {
-            KOB_READ_ACTIVFLAGS(in.handle(), &pass, etyp.chars(), nent.ints(), index.nindex.ints(),
-                                index.indexic.ints(), index.indexident.ints(), index.indexval.reals(), entid.ints(),
-                                flags.ints(), in.filter_flags(), in.filter_params(), &status);
-        });
+        in.call(KOB_READ_ACTIVFLAGS, KOB1_READ_ACTIVFLAGS, in.handle(), &pass, etyp.chars(), nent.ints(),
+                index.nindex.ints(), index.code(), index.indexident.ints(), index.indexval.reals(), entid.ints(),
+                flags.ints(), in.filter_flags(), in.filter_params(), StatusArgument{});
     };
     read_passes(in, index, read, [&] {
         for (Item* item : {&entid, &flags}) in.shape(*item, {nent.integer()});
@@ -233,11 +222,9 @@ void scan_multi_activation_flags(BlockScan& in)
     Item& entid = in.integers("entid");
     Item& flags = in.integers("status");
     const auto read = [&](std::int32_t pass) {
-        in.call([&](std::int32_t& status) {
-            KOB_READ_MULTIACTIVFLAGS(in.handle(), &pass, series.chars(), etyp.chars(), nent.ints(), index.nindex.ints(),
-                                     index.nstate.ints(), index.indexident.ints(), index.indexval.reals(), entid.ints(),
-                                     flags.ints(), in.filter_flags(), in.filter_params(), &status);
-        });
+        in.call(KOB_READ_MULTIACTIVFLAGS, KOB1_READ_MULTIACTIVFLAGS, in.handle(), &pass, series.chars(), etyp.chars(),
+                nent.ints(), index.nindex.ints(), index.nstate.ints(), index.indexident.ints(), index.indexval.reals(),
+                entid.ints(), flags.ints(), in.filter_flags(), in.filter_params(), StatusArgument{});
     };
     read_passes(in, index, read, [&] {
         in.shape(entid, {nent.integer()});

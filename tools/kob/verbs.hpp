@@ -21,5 +21,6 @@ void add_link(CLI::App& app, int& exit_code);
 void add_merge(CLI::App& app, int& exit_code);
 void add_params(CLI::App& app, int& exit_code);
 void add_split(CLI::App& app, int& exit_code);
+void add_upgrade(CLI::App& app, int& exit_code);
 
 } // namespace kob::program
