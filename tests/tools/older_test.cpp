@@ -188,3 +188,19 @@ TEST(Older, DamagedBlocksAreNamedAndTheOthersListed)
         EXPECT_TRUE(contains(outcome.err, name)) << outcome.err;
     EXPECT_EQ(run_program({"show", file.path(), "variables/STRESS"}).exit_code, 3);
 }
+
+TEST(Older, IsCutBack)
+{
+    const OlderFile file; // state 12, series with the states 10 and 20
+    const Outcome cut = run_program({"erase", file.path(), "--after", "15", "--json"});
+    EXPECT_EQ(cut.exit_code, 0) << cut.err;
+    const json first = cut.json();
+    EXPECT_EQ(first.at("deleted"), json::array());
+    ASSERT_EQ(first.at("cut").size(), 1U);
+    EXPECT_EQ(first.at("cut").at(0).at("states_before"), 2);
+    EXPECT_EQ(first.at("cut").at(0).at("states"), 1);
+    EXPECT_EQ(values(shown(file.path(), "multientityresults/NODE/DISPLACEMENT/ZONE5"), "res").size(), 1U);
+    const Outcome all = run_program({"erase", file.path(), "--after", "5", "--json"});
+    EXPECT_EQ(all.exit_code, 0) << all.err;
+    EXPECT_EQ(all.json().at("deleted").size(), 11U); // ten blocks of the state, and the series
+}

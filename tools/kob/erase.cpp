@@ -74,7 +74,7 @@ Contents contents_of(const File& file)
         if (is_series(entry.key)) {
             const Diverted errors{STDERR_FILENO}; // the eraser says what is wrong with a block
             const Group block{file.group(), entry.path};
-            states = number_of_states(block, file.older_layout());
+            states = number_of_states(block, entry.older);
         }
         contents[entry.path] = states;
     }
