@@ -3941,6 +3941,41 @@ KOB_API void KOB1_READ_SPARSEMATRIX(const int64_t* block, const int32_t* pass, c
 KOB_API void KOB1_ERASE_STATES(const int64_t* group, const int32_t* nindex, const int32_t* index,
                                const int32_t* verbose, int32_t* status);
 
+/** Merges the files of a distributed run in the older layout, one file per domain, into one file, as KOB_MERGE_DMP()
+ *  does in the current one.
+ *
+ *  The file's major version should be 1; another one prints NOT OK, and the file is merged all the same: those of its
+ *  blocks that are in the older layout. The kinds are those of KOB_MERGE_DMP() with these differences:
+ *
+ *  | Kind of block                                         | In the target                                            |
+ *  |-------------------------------------------------------|----------------------------------------------------------|
+ *  | variables                                             | each path copied from the first file that holds it       |
+ *  | variable groups, identifiers                          | not there in this layout                                 |
+ *  | parts                                                 | pvtyp is a column like the others                        |
+ *  | connectivities                                        | the units are those of the first domain that has elements |
+ *
+ *  The domain number is defined by a variables block DMPComputeDomainNumber of rank 0 with the component "Domain", cid
+ *  and comp 1, and no units. Connectivities name no entity type here: the domain numbers of elements are results of the
+ *  type etypelem.
+ *  @param[in]  domains        int64 [n], groups of the open domain files, in the order of the domains
+ *  @param[in]  target         int64 [1], group of the open target file
+ *  @param[in]  n              int32 [1], number of domain files
+ *  @param[in]  filter_flags   int32 [1], filters of blocks that have none in the domain files, see @ref filters
+ *  @param[in]  filter_params  int32 [2], their parameters
+ *  @param[in]  nexp           int32 [1], entries of the exponent table, see KOB_READ_PARAM()
+ *  @param[in]  exponent_names text256 [nexp], variable names, in any order; of equal names the first counts
+ *  @param[in]  exponents      int32 [nexp], decimal scale factors
+ *  @param[in]  options        int64 [1], sum of 1: verbose; 2: more verbose; 4: no domain numbers
+ *  @param[in]  float_size     int32 [1], stored size of doubles in model blocks, see @ref value_size
+ *  @param[out] status         int32 [1], 0 merged; 1 states with more than 5 index values; -1 blocks that cannot be
+ *                             united, one that exists in the target, or one of which a part is missing; otherwise the
+ *                             status of the first reader, writer or listing that failed, and the target holds what was
+ *                             written until then */
+KOB_API void KOB1_MERGE_DMP(const int64_t* domains, const int64_t* target, const int32_t* n,
+                            const int32_t* filter_flags, const int32_t* filter_params, const int32_t* nexp,
+                            const char* exponent_names, const int32_t* exponents, const int64_t* options,
+                            const int32_t* float_size, int32_t* status);
+
 /** Links the contents of several groups, of any files, into one group: KOB_CREATE_EXTLINKS() with the version number of
  *  the older layout in its banner.
  *  @param[in]  sources int64 [n], groups whose contents are shown

@@ -6,9 +6,11 @@ namespace kob {
 namespace {
 
 constexpr Family current{Generation::current, version_of(Generation::current), kob_lookup,
-                         KOB_READ_FILEHEADER, KOB_WRITE_MULTIENTITYRESULTS2,   KOB_READ_MULTIENTITYRESULTS2};
+                         KOB_READ_FILEHEADER, KOB_WRITE_MULTIENTITYRESULTS2,   KOB_READ_MULTIENTITYRESULTS2,
+                         "MAXINDEX"};
 constexpr Family older{Generation::older,    version_of(Generation::older),  kob1_lookup,
-                       KOB1_READ_FILEHEADER, KOB1_WRITE_MULTIENTITYRESULTS2, KOB1_READ_MULTIENTITYRESULTS2};
+                       KOB1_READ_FILEHEADER, KOB1_WRITE_MULTIENTITYRESULTS2, KOB1_READ_MULTIENTITYRESULTS2,
+                       "MAXINDEX1"};
 
 } // namespace
 

@@ -15,6 +15,7 @@ struct Family {
     decltype(&KOB_READ_FILEHEADER) read_header;
     decltype(&KOB_WRITE_MULTIENTITYRESULTS2) write_series;
     decltype(&KOB_READ_MULTIENTITYRESULTS2) read_series;
+    const char* index_limit; ///< what the merger calls the most index values that it takes
 };
 
 const Family& family_of(Generation generation);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "kob_kinds.hpp"
+#include "kob_location.hpp"
 #include "kob_placement.hpp"
 #include "kob_storage.hpp"
 #include "kob_text.hpp"
@@ -13,6 +14,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace kob::merge {
@@ -38,8 +40,31 @@ struct Compression {
     [[nodiscard]] bool is_any() const { return flags != 0; }
 };
 
+/// A block of a file, open for reading.
+class StoredBlock {
+public:
+    StoredBlock(Id group, Generation generation)
+        : group_{std::move(group)}, places_{{group_.get(), generation}}, handle_{group_.get()}
+    {
+    }
+
+    /// As entry points take it.
+    [[nodiscard]] const std::int64_t* handle() const { return &handle_; }
+    [[nodiscard]] Generation generation() const { return places_.block().generation; }
+    [[nodiscard]] bool is_current() const { return places_.block().is_current(); }
+    /// The group of a place, negative when it is not there.
+    hid_t place(Where where) { return places_.open(where); }
+    explicit operator bool() const { return static_cast<bool>(group_); }
+
+private:
+    Id group_;
+    Places places_;
+    std::int64_t handle_;
+};
+
 /// Where a writer puts a block, and how it stores it.
 struct Destination {
+    Generation generation = Generation::current;
     std::int64_t group = -1; ///< result-set group, or the block's own group where the writer takes that
     std::int32_t state = -1; ///< state number of the path; negative: taken from the index identifiers
     std::int32_t set = no_suffix;
@@ -49,15 +74,16 @@ struct Destination {
 
 /// Elements of a stored dataset, none where it is missing. What a buffer must hold is asked of the file, not of the
 /// attributes that a file claims.
-inline std::size_t stored(hid_t block, const char* name)
+inline std::size_t stored(StoredBlock& block, const char* name, Where where = Where::data)
 {
-    return static_cast<std::size_t>(std::max<std::int64_t>(count_elements(block, name), 0));
+    return static_cast<std::size_t>(std::max<std::int64_t>(count_elements(block.place(where), name), 0));
 }
 
 /// Bytes of a stored element, 0 where there is none.
-inline std::int32_t stored_width(hid_t block, const char* name)
+inline std::int32_t stored_width(StoredBlock& block, const char* name)
 {
-    return static_cast<std::int32_t>(std::clamp<std::int64_t>(element_size(block, name), 0, INT32_MAX));
+    return static_cast<std::int32_t>(
+        std::clamp<std::int64_t>(element_size(block.place(Where::data), name), 0, INT32_MAX));
 }
 
 /// Sizes a buffer. Not even an empty one is null: a reader that finds nothing stored shall say so, not blame its caller.
@@ -68,7 +94,7 @@ template <class T> void fit(std::vector<T>& buffer, std::size_t size)
 }
 
 /// Bytes of a stored array of texts.
-inline std::size_t text_bytes(hid_t block, const char* name)
+inline std::size_t text_bytes(StoredBlock& block, const char* name)
 {
     return stored(block, name) * static_cast<std::size_t>(stored_width(block, name));
 }
@@ -77,7 +103,7 @@ inline std::size_t text_bytes(hid_t block, const char* name)
 constexpr std::int32_t inconsistent_block = -1;
 
 /// Array of names, as its reader left it: end to end at the stored width. Makes it one of 256-character fields.
-inline void widen_names(hid_t block, const char* dataset, std::vector<char>& names)
+inline void widen_names(StoredBlock& block, const char* dataset, std::vector<char>& names)
 {
     const auto width = static_cast<std::size_t>(stored_width(block, dataset));
     if (width == 0 || width >= static_cast<std::size_t>(name_length)) {
@@ -98,10 +124,10 @@ struct StateIndex {
     std::vector<std::int32_t> indexident;
     std::vector<double> indexval;
 
-    void make_room(hid_t block)
+    void make_room(StoredBlock& block)
     {
-        fit(indexident, stored(block, "indexident"));
-        fit(indexval, stored(block, "indexval"));
+        fit(indexident, stored(block, "indexident", Where::index));
+        fit(indexval, stored(block, "indexval", Where::index));
     }
     /// The validity of the block's path. The identifiers must be known.
     [[nodiscard]] Validity validity(std::int32_t state) const
@@ -114,9 +140,33 @@ struct StateIndex {
 /// Passes, or section bits, of a reader: for the sizes and names, for the state index, for the rows.
 struct Passes {
     std::int32_t attributes;
-    std::int32_t index;
+    std::int32_t index; ///< the same as `values` where one pass reads both
     std::int32_t values;
 };
+
+/// Readers of the older layout that know no sections: sizes and names, or everything.
+constexpr Passes two_passes{1, 2, 2};
+
+template <class Block> constexpr const Passes& passes_of(Generation generation)
+{
+    return generation == Generation::current ? Block::passes : Block::older_passes;
+}
+
+/// The pass in which a block that is copied is read as a whole.
+template <class Block> constexpr std::int32_t whole_pass(Generation generation)
+{
+    return generation == Generation::current ? Block::pass : two_passes.values;
+}
+
+/// The pass for the rows of a block; some blocks choose it by what they hold.
+template <class Block> std::int32_t values_pass(const Block& block, Generation generation, bool leads)
+{
+    if constexpr (requires { block.values_pass(leads); }) {
+        return block.values_pass(leads);
+    } else {
+        return passes_of<Block>(generation).values;
+    }
+}
 
 /// One dataset of a block with a row for each entity.
 template <class T> struct Column {

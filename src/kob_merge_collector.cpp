@@ -14,10 +14,10 @@ namespace {
 
 Collector read_collector(const DomainFiles& files, const Source& source)
 {
-    const Id group = files.open(source);
+    StoredBlock stored_block = files.open(source);
     Collector block;
-    block.make_room(group.get());
-    if (const std::int32_t status = block.read(group.get(), Collector::passes.values); status < 0) {
+    block.make_room(stored_block);
+    if (const std::int32_t status = block.read(stored_block, Collector::passes.values); status < 0) {
         fail_reading(kind::collector, Collector::passes.values, status, source.entry->path);
     }
     return block;

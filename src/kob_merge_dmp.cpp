@@ -64,8 +64,7 @@ private:
 
         copy_system();
         copy_index();
-        copy_all<VariableGroup>(kind::variable_group);
-        copy_all<Variable>(kind::variable);
+        copy_variables();
         copy_all<Text>(kind::text);
         const bool numbers_domains = options_.adds_domain_number && files_.count() > 1;
         if (numbers_domains) {
@@ -78,7 +77,9 @@ private:
         merge_all(kind::activation_flags, ActivationFlags{});
         merge_all(kind::parts, Parts{});
         merge_all(kind::attributes, EntityList{kind::attributes});
-        merge_all(kind::identifiers, EntityList{kind::identifiers});
+        if (is_current()) {
+            merge_all(kind::identifiers, EntityList{kind::identifiers});
+        }
         merge_all(kind::entity_results, EntityResults{});
         if (different_coordinates_ > 0) {
             report_error(message::merge_coordinates, different_coordinates_);
@@ -94,6 +95,8 @@ private:
         }
         say(message::merge_done);
     }
+
+    [[nodiscard]] bool is_current() const { return family_.generation == Generation::current; }
 
     // ---- the files
 
@@ -116,7 +119,7 @@ private:
     {
         for (std::size_t i = 0; i < files_.count(); ++i) {
             for (const Source& source : files_.blocks_of(kind::index, i)) {
-                check_index_values(read_whole<IndexBlock>(kind::index, source).nindex);
+                check_index_values(family_, read_whole<IndexBlock>(kind::index, source).nindex);
             }
         }
     }
@@ -124,9 +127,9 @@ private:
     template <class Block>
     [[nodiscard]] Block read_whole(const BlockKind& kind, const Source& source, Block block = Block{}) const
     {
-        const Id group = files_.open(source);
-        if (const std::int32_t status = block.read(group.get()); status < 0) {
-            fail_reading(kind, Block::pass, status, source.entry->path);
+        StoredBlock stored_block = files_.open(source);
+        if (const std::int32_t status = block.read(stored_block); status < 0) {
+            fail_reading(kind, whole_pass<Block>(family_.generation), status, source.entry->path);
         }
         return block;
     }
@@ -147,6 +150,16 @@ private:
     }
 
     void copy_index() const { copy_first_of_each<IndexBlock>(kind::index, files_.look_up_single(kind::index), false); }
+
+    void copy_variables() const
+    {
+        if (is_current()) {
+            copy_all<VariableGroup>(kind::variable_group);
+            copy_all<Variable>(kind::variable);
+        } else {
+            copy_all<OlderVariables>(kind::older_variables);
+        }
+    }
 
     template <class Block> void copy_all(const BlockKind& kind) const
     {
@@ -238,14 +251,15 @@ private:
         if constexpr (requires { block.conform(merged); }) {
             block.conform(merged);
         }
-        const Id group = files_.open(source);
-        block.make_room(group.get());
-        const std::int32_t pass = block.values_pass(leads);
-        std::int32_t status = leads ? block.read(group.get(), Block::passes.index) : 0;
+        StoredBlock stored_block = files_.open(source);
+        block.make_room(stored_block);
+        const Passes& passes = passes_of<Block>(family_.generation);
+        const std::int32_t pass = values_pass(block, family_.generation, leads);
+        std::int32_t status = leads && passes.index != pass ? block.read(stored_block, passes.index) : 0;
         if (status < 0) {
-            fail_reading(kind, Block::passes.index, status, source.entry->path);
+            fail_reading(kind, passes.index, status, source.entry->path);
         }
-        status = block.read(group.get(), pass);
+        status = block.read(stored_block, pass);
         if (status < 0) {
             fail_reading(kind, pass, status, source.entry->path);
         }
@@ -253,7 +267,7 @@ private:
 
     template <class Block> void write_merged(const BlockKind& kind, const TableEntry& source, const Block& merged) const
     {
-        check_index_values(merged.index.nindex);
+        check_index_values(family_, merged.index.nindex);
         if constexpr (std::is_same_v<Block, EntityResults>) {
             target_.write_results(source.path, merged, target_.compression_of(merged));
         } else {
@@ -291,9 +305,17 @@ private:
 
     void define_domain_number() const
     {
-        say(message::merge_create, 1, kind::variable.name);
-        const Variable variable = DomainNumbers::variable();
-        target_.write_at(kind::variable, Place{}, variable, path_at(Place{}, variable));
+        if (is_current()) {
+            define(kind::variable, DomainNumbers::variable());
+        } else {
+            define(kind::older_variables, DomainNumbers::older_variables());
+        }
+    }
+
+    template <class Block> void define(const BlockKind& kind, const Block& variable) const
+    {
+        say(message::merge_create, 1, kind.name);
+        target_.write_at(kind, Place{}, variable, path_at(Place{}, variable));
     }
 
     void write_domain_numbers() const
@@ -317,7 +339,7 @@ private:
         say(message::merge_create_merged, static_cast<std::int32_t>(blocks.size()), kind::collector.name);
         for (const SharedBlock& shared : blocks) {
             const Collector merged = unite_collectors(files_, shared);
-            check_index_values(merged.index.nindex);
+            check_index_values(family_, merged.index.nindex);
             target_.write_at(kind::collector, place_of(*shared.front().entry, merged), merged,
                              shared.front().entry->path);
         }
@@ -335,7 +357,7 @@ private:
         std::map<std::string, std::int32_t> last_sets;
         for (const Source& source : blocks) {
             const ElementResults block = read_whole<ElementResults>(kind::element_results, source);
-            check_index_values(block.index.nindex);
+            check_index_values(family_, block.index.nindex);
             target_.write_at(kind::element_results, free_place(source, block, last_sets), block, source.entry->path);
         }
     }
@@ -378,13 +400,13 @@ private:
         const std::string& path = shared.front().entry->path;
         Matrix first{kind};
         std::size_t others = 0;
-        if (Id there = target_.open(path); there) {
-            if (const std::int32_t status = first.read(there.get()); status < 0) {
-                fail_reading(kind, Matrix::pass, status, path);
+        if (StoredBlock there = target_.open(path); there) {
+            if (const std::int32_t status = first.read(there); status < 0) {
+                fail_reading(kind, whole_pass<Matrix>(family_.generation), status, path);
             }
         } else {
             first = read_whole(kind, shared.front(), first);
-            check_index_values(first.index.nindex);
+            check_index_values(family_, first.index.nindex);
             target_.write_at(kind, place_of(*shared.front().entry, first), first, path);
             others = 1;
         }
@@ -442,9 +464,11 @@ void merge_files(Generation generation, int line, const int64_t* domains, const 
         const merge::Options wanted{value(options)};
         const merge::Compression defaults{value(filter_flags), {value(filter_params), filter_params[1]}};
         merge::Exponents table{*nexp, exponent_names, exponents};
-        return merge::Merger{
-            family, merge::DomainFiles{family, domains, *n, wanted.verbosity},
-            merge::Target{value(target), {defaults, std::move(table), value(float_size)}, wanted.verbosity}, wanted}
+        return merge::Merger{family, merge::DomainFiles{family, domains, *n, wanted.verbosity},
+                             merge::Target{{value(target), generation},
+                                           {defaults, std::move(table), value(float_size)},
+                                           wanted.verbosity},
+                             wanted}
             .run();
     });
 }
@@ -458,5 +482,14 @@ extern "C" void KOB_MERGE_DMP(const int64_t* domains, const int64_t* target, con
                               const int32_t* float_size, int32_t* status)
 {
     kob::merge_files(kob::Generation::current, __LINE__, domains, target, n, filter_flags, filter_params, nexp,
+                     exponent_names, exponents, options, float_size, status);
+}
+
+extern "C" void KOB1_MERGE_DMP(const int64_t* domains, const int64_t* target, const int32_t* n,
+                               const int32_t* filter_flags, const int32_t* filter_params, const int32_t* nexp,
+                               const char* exponent_names, const int32_t* exponents, const int64_t* options,
+                               const int32_t* float_size, int32_t* status)
+{
+    kob::merge_files(kob::Generation::older, __LINE__, domains, target, n, filter_flags, filter_params, nexp,
                      exponent_names, exponents, options, float_size, status);
 }

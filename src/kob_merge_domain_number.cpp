@@ -9,6 +9,7 @@ namespace kob::merge {
 namespace {
 
 constexpr char variable_name[] = "DMPComputeDomainNumber";
+constexpr char component_name[] = "Domain";
 constexpr std::size_t tidy_after = std::size_t{1} << 20U; // pairs
 
 /// Sorts by identifier, then by file.
@@ -55,11 +56,25 @@ Variable DomainNumbers::variable()
 {
     Variable variable;
     variable.varkey = Name{variable_name};
-    variable.varnam = Name{"Domain"};
+    variable.varnam = Name{component_name};
     variable.ncoo = 1;
     variable.mbunit = {0};
     variable.mdunit = {0};
     return variable;
+}
+
+OlderVariables DomainNumbers::older_variables()
+{
+    const Name component{component_name};
+    OlderVariables variables;
+    variables.etypvar = Name{variable_name};
+    variables.ncoo = 1;
+    variables.units.mbunit = {0};
+    variables.units.mdunit = {0};
+    variables.cname.assign(component.data(), component.data() + name_length);
+    variables.cid = {1};
+    variables.comp = {1};
+    return variables;
 }
 
 EntityResults DomainNumbers::result(const std::string& etyp, const Owners& owners)

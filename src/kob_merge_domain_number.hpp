@@ -19,8 +19,9 @@ public:
     /// The elements and nodes of one domain file, which is counted from 1.
     void add(const Connectivities& block, std::int32_t file);
 
-    /// Definition of the variable.
+    /// Definition of the variable, as each layout has it.
     [[nodiscard]] static Variable variable();
+    [[nodiscard]] static OlderVariables older_variables();
 
     /// A constant result for each entity type, in the order of their names.
     template <class Visit> void for_each_result(Visit&& visit) const

@@ -14,8 +14,11 @@
 namespace kob::merge {
 namespace {
 
+/// Kinds that the older layout does not have.
+bool is_current_only(std::int32_t key) { return kind::variable_group.owns(key) || kind::identifiers.owns(key); }
+
 /// The name of a kind that is not merged, the key of one that is unknown; empty for the others.
-std::string left_out_name(std::int32_t key)
+std::string left_out_name(std::int32_t key, Generation generation)
 {
     constexpr std::array merged{kind::system,
                                 kind::index,
@@ -36,6 +39,9 @@ std::string left_out_name(std::int32_t key)
     constexpr std::array left_out{kind::properties, kind::multi_element_results, kind::multi_activation_flags,
                                   kind::sparse_matrix};
     const auto owns = [key](const BlockKind& kind) { return kind.owns(key); };
+    if (generation == Generation::older && is_current_only(key)) {
+        return std::to_string(key);
+    }
     if (key == kind::file_header || std::any_of(merged.begin(), merged.end(), owns)) {
         return {};
     }
@@ -136,13 +142,12 @@ bool DomainFiles::is_compatible(std::size_t i) const
 
 Version DomainFiles::version_in(const Source& source) const
 {
-    const Id header = open(source);
-    const std::int64_t handle = header.get();
+    const StoredBlock header = open(source);
     std::array<char, 33> text{};
     std::int32_t filter_flags = 0;
     std::array<std::int32_t, 2> filter_params{};
     std::int32_t status = 0;
-    family_.read_header(&handle, text.data(), &filter_flags, filter_params.data(), &status);
+    family_.read_header(header.handle(), text.data(), &filter_flags, filter_params.data(), &status);
     if (status < 0) {
         report_error(message::tool_incompatible, status);
         throw Stop{status};
@@ -152,9 +157,9 @@ Version DomainFiles::version_in(const Source& source) const
     return version;
 }
 
-Id DomainFiles::open(const Source& source) const
+StoredBlock DomainFiles::open(const Source& source) const
 {
-    return open_block(domains_[source.domain].group, source.entry->path);
+    return {open_block(domains_[source.domain].group, source.entry->path), family_.generation};
 }
 
 std::vector<Source> DomainFiles::blocks_of(const BlockKind& kind, std::size_t domain) const
@@ -209,7 +214,7 @@ void DomainFiles::say_left_out() const
         std::map<std::string, std::int32_t> left_out;
         std::vector<std::string> order;
         for (const KeyGroup& group : domains_[i].table.groups()) {
-            const std::string name = left_out_name(group.key);
+            const std::string name = left_out_name(group.key, family_.generation);
             if (name.empty()) {
                 continue;
             }

@@ -6,6 +6,7 @@
 #include "kob_family.hpp"
 #include "kob_id.hpp"
 #include "kob_kinds.hpp"
+#include "kob_merge_block.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -45,7 +46,8 @@ public:
     void check_versions() const;
 
     [[nodiscard]] std::size_t count() const { return domains_.size(); }
-    [[nodiscard]] Id open(const Source& source) const;
+    [[nodiscard]] const Family& family() const { return family_; }
+    [[nodiscard]] StoredBlock open(const Source& source) const;
     /// The blocks of a kind in one file.
     [[nodiscard]] std::vector<Source> blocks_of(const BlockKind& kind, std::size_t domain) const;
     /// The blocks of a kind in all files, with a word on what is there.

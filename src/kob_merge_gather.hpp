@@ -19,10 +19,10 @@ constexpr std::int32_t too_many_index_values = 1; // a status, and positive
 constexpr std::int32_t cannot_be_united = -1;     // a status
 constexpr std::int32_t other_extents = -6030;     // the status of a reader that finds other extents than it expects
 
-inline void check_index_values(std::int32_t nindex)
+inline void check_index_values(const Family& family, std::int32_t nindex)
 {
     if (nindex > most_index_values) {
-        report_error(message::merge_nindex, nindex, most_index_values);
+        report_error(message::merge_nindex, nindex, family.index_limit, most_index_values);
         throw Stop{too_many_index_values};
     }
 }
@@ -36,24 +36,25 @@ template <class Block> struct Gathered {
 
 /// The reader knows best what is wrong with a block whose attributes and contents differ.
 template <class Block>
-[[noreturn]] void fail_incomplete(const BlockKind& kind, Block block, hid_t group, const std::string& path)
+[[noreturn]] void fail_incomplete(const BlockKind& kind, Block block, StoredBlock& source, const std::string& path)
 {
-    block.make_room(group);
-    const std::int32_t pass = block.values_pass(true);
-    const std::int32_t status = block.read(group, pass);
+    block.make_room(source);
+    const std::int32_t pass = values_pass(block, source.generation(), true);
+    const std::int32_t status = block.read(source, pass);
     fail_reading(kind, pass, status < 0 ? status : other_extents, path);
 }
 
 template <class Block>
-void read_identifiers(const BlockKind& kind, hid_t group, Block& block, IdentifierLists& lists, const std::string& path)
+void read_identifiers(const BlockKind& kind, StoredBlock& source, Block& block, IdentifierLists& lists,
+                      const std::string& path)
 {
     const auto rows = static_cast<hsize_t>(std::max(block.rows(), 0));
     const std::span<std::int32_t> list = lists.add(rows);
     const std::int32_t status =
         KOB_H5Dread(Block::identifiers, list.data(), type_code::integer, sizeof(std::int32_t), &rows, 1, nullptr,
-                    nullptr, access_mode::whole, group, nullptr, nullptr, nullptr);
+                    nullptr, access_mode::whole, source.place(Where::data), nullptr, nullptr, nullptr);
     if (status < 0) {
-        fail_reading(kind, Block::passes.values, status, path);
+        fail_reading(kind, passes_of<Block>(source.generation()).values, status, path);
     }
 }
 
@@ -83,15 +84,16 @@ Gathered<Block> gather(const DomainFiles& files, UnionCache& unions, const Block
     bool has_rows = false;
     for (const Source& source : shared) {
         const std::string& path = source.entry->path;
-        const Id group = files.open(source);
+        StoredBlock stored_block = files.open(source);
         Block& block = gathered.domains.emplace_back(empty);
-        if (const std::int32_t status = block.read(group.get(), Block::passes.attributes); status < 0) {
-            fail_reading(kind, Block::passes.attributes, status, path);
+        const std::int32_t pass = passes_of<Block>(stored_block.generation()).attributes;
+        if (const std::int32_t status = block.read(stored_block, pass); status < 0) {
+            fail_reading(kind, pass, status, path);
         }
-        if (!is_complete(group.get(), block)) {
-            fail_incomplete(kind, block, group.get(), path);
+        if (!is_complete(stored_block, block)) {
+            fail_incomplete(kind, block, stored_block, path);
         }
-        read_identifiers(kind, group.get(), block, lists, path);
+        read_identifiers(kind, stored_block, block, lists, path);
         if (!has_rows && block.rows() > 0) {
             has_rows = true;
             gathered.lead = gathered.domains.size() - 1;

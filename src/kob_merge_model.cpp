@@ -3,15 +3,29 @@
 #include "kob_merge_model.hpp"
 
 #include "kob_dp.h"
+#include "kob_merge_call.hpp"
 
 namespace kob::merge {
 namespace {
 
 /// An array of texts comes back at its stored width, which may be less than the block's length says.
-void adopt_stored_width(hid_t block, const char* name, std::int32_t& length)
+void adopt_stored_width(StoredBlock& block, const char* name, std::int32_t& length)
 {
     if (const std::int32_t width = stored_width(block, name); width > 0) {
         length = width;
+    }
+}
+
+/// Titles have the width that the file says, in the older layout that of a field.
+void settle_titles(StoredBlock& block, bool only_attributes, std::int32_t& length, std::vector<char>& titles)
+{
+    if (!block.is_current()) {
+        length = name_length;
+        if (!only_attributes) {
+            widen_names(block, "title", titles);
+        }
+    } else if (only_attributes) {
+        adopt_stored_width(block, "title", length);
     }
 }
 
@@ -32,7 +46,7 @@ bool add_up(const std::vector<std::int32_t>& counts, std::size_t length)
 
 // ---- system and index
 
-std::int32_t SystemBlock::read(std::int64_t block)
+std::int32_t SystemBlock::read(StoredBlock& block)
 {
     fit(ubtyp, text_bytes(block, "ubtyp"));
     fit(ubnam, text_bytes(block, "ubnam"));
@@ -46,10 +60,11 @@ std::int32_t SystemBlock::read(std::int64_t block)
     fit(udbid, stored(block, "udbid"));
     fit(udbexp, stored(block, "udbexp"));
     std::int32_t result = 0;
-    KOB_READ_SYSTEM(&block, &pass, title.data(), sys.data(), solver_name.data(), solver_vers.data(), cdate.data(),
-                    ctime.data(), mdate.data(), mtime.data(), &nbunit, &ndunit, ubid.data(), ubtyp.data(), ubnam.data(),
-                    ubshift.data(), ubcon.data(), udid.data(), udnam.data(), udscal.data(), ndbunit.data(),
-                    udbid.data(), udbexp.data(), &compression.flags, compression.params.data(), &result);
+    call(block.generation(), KOB_READ_SYSTEM, KOB1_READ_SYSTEM, block.handle(), &pass, title.data(), sys.data(),
+         solver_name.data(), solver_vers.data(), cdate.data(), ctime.data(), mdate.data(), mtime.data(), &nbunit,
+         &ndunit, ubid.data(), ubtyp.data(), ubnam.data(), ubshift.data(), ubcon.data(), udid.data(), udnam.data(),
+         udscal.data(), ndbunit.data(), udbid.data(), udbexp.data(), &compression.flags, compression.params.data(),
+         &result);
     widen_names(block, "ubtyp", ubtyp);
     widen_names(block, "ubnam", ubnam);
     widen_names(block, "udnam", udnam);
@@ -59,27 +74,59 @@ std::int32_t SystemBlock::read(std::int64_t block)
 std::int32_t SystemBlock::write(const Destination& to) const
 {
     std::int32_t result = 0;
-    KOB_WRITE_SYSTEM(&to.group, title.data(), sys.data(), solver_name.data(), solver_vers.data(), cdate.data(),
-                     ctime.data(), mdate.data(), mtime.data(), &nbunit, &ndunit, ubid.data(), ubtyp.data(),
-                     ubnam.data(), ubshift.data(), ubcon.data(), udid.data(), udnam.data(), udscal.data(),
-                     ndbunit.data(), udbid.data(), udbexp.data(), &to.compression.flags, to.compression.params.data(),
-                     &to.float_size, &result);
+    call(to.generation, KOB_WRITE_SYSTEM, KOB1_WRITE_SYSTEM, &to.group, title.data(), sys.data(), solver_name.data(),
+         solver_vers.data(), cdate.data(), ctime.data(), mdate.data(), mtime.data(), &nbunit, &ndunit, ubid.data(),
+         ubtyp.data(), ubnam.data(), ubshift.data(), ubcon.data(), udid.data(), udnam.data(), udscal.data(),
+         ndbunit.data(), udbid.data(), udbexp.data(), &to.compression.flags, to.compression.params.data(),
+         &to.float_size, &result);
     return result;
 }
 
 BlockPath SystemBlock::path(std::int32_t, std::int32_t) { return {{constant}, {kind::system.name}}; }
 
-std::int32_t IndexBlock::read(std::int64_t block)
+void Units::make_room(StoredBlock& block)
+{
+    fit(mbunit, stored(block, "mbunit"));
+    fit(mdunit, stored(block, "mdunit"));
+    fit(ubid, stored(block, "ubid"));
+    fit(ubexp, stored(block, "ubexp"));
+    fit(udid, stored(block, "udid"));
+    fit(udexp, stored(block, "udexp"));
+}
+
+bool Units::is_whole(std::int32_t count) const
+{
+    const auto values = static_cast<std::size_t>(std::max(count, 0));
+    return mbunit.size() == values && mdunit.size() == values && add_up(mbunit, ubid.size()) &&
+           add_up(mbunit, ubexp.size()) && add_up(mdunit, udid.size()) && add_up(mdunit, udexp.size());
+}
+
+std::int32_t IndexBlock::read(StoredBlock& block)
 {
     std::int32_t result = 0;
-    KOB_READ_INDEX(&block, &pass, &nindex, etypvar.data(), nullptr, nullptr, &result);
-    return result;
+    if (block.is_current()) {
+        KOB_READ_INDEX(block.handle(), &pass, &nindex, etypvar.data(), nullptr, nullptr, &result);
+        return result;
+    }
+    units.make_room(block);
+    fit(etypindex, text_bytes(block, "etypindex"));
+    KOB1_READ_INDEX(block.handle(), &two_passes.values, &nindex, etypindex.data(), units.mbunit.data(),
+                    units.mdunit.data(), units.ubid.data(), units.ubexp.data(), units.udid.data(), units.udexp.data(),
+                    &compression.flags, compression.params.data(), &result);
+    widen_names(block, "etypindex", etypindex);
+    return result < 0 || units.is_whole(nindex) ? result : inconsistent_block;
 }
 
 std::int32_t IndexBlock::write(const Destination& to) const
 {
     std::int32_t result = 0;
-    KOB_WRITE_INDEX(&to.group, &nindex, etypvar.data(), nullptr, nullptr, &result);
+    if (to.generation == Generation::current) {
+        KOB_WRITE_INDEX(&to.group, &nindex, etypvar.data(), nullptr, nullptr, &result);
+    } else {
+        KOB1_WRITE_INDEX(&to.group, &nindex, etypindex.data(), units.mbunit.data(), units.mdunit.data(),
+                         units.ubid.data(), units.ubexp.data(), units.udid.data(), units.udexp.data(),
+                         &to.compression.flags, to.compression.params.data(), &to.float_size, &result);
+    }
     return result;
 }
 
@@ -87,14 +134,14 @@ BlockPath IndexBlock::path(std::int32_t, std::int32_t) { return {{constant}, {ki
 
 // ---- variables
 
-std::int32_t VariableGroup::read(std::int64_t block)
+std::int32_t VariableGroup::read(StoredBlock& block)
 {
     fit(cnt, stored(block, "cnt"));
     fit(offs, stored(block, "offs"));
     fit(varkey, text_bytes(block, "varkey"));
     std::int32_t result = 0;
-    KOB_READ_VARIABLEGROUP(&block, &pass, nullptr, etypvar.data(), &nvar, &ncoo, cnt.data(), offs.data(), varkey.data(),
-                           &compression.flags, compression.params.data(), &result);
+    KOB_READ_VARIABLEGROUP(block.handle(), &pass, nullptr, etypvar.data(), &nvar, &ncoo, cnt.data(), offs.data(),
+                           varkey.data(), &compression.flags, compression.params.data(), &result);
     widen_names(block, "varkey", varkey);
     return result;
 }
@@ -112,7 +159,7 @@ BlockPath VariableGroup::path(std::int32_t, std::int32_t) const
     return {{constant}, {kind::variable_group.name, etypvar.data()}};
 }
 
-std::int32_t Variable::read(std::int64_t block)
+std::int32_t Variable::read(StoredBlock& block)
 {
     fit(mbunit, stored(block, "mbunit"));
     fit(mdunit, stored(block, "mdunit"));
@@ -125,10 +172,10 @@ std::int32_t Variable::read(std::int64_t block)
     fit(subsoffs, stored(block, "subsoffs"));
     fit(vmap, stored(block, "vmap"));
     std::int32_t result = 0;
-    KOB_READ_VARIABLE(&block, &pass, nullptr, varkey.data(), varclass.data(), varnam.data(), &ncoo, &rank, &ndim,
-                      &tensor, type.data(), &lvmap, &subslen, &lenb, &lend, mbunit.data(), mdunit.data(), ubid.data(),
-                      ubexp.data(), udid.data(), udexp.data(), subscr.data(), subscnt.data(), subsoffs.data(),
-                      vmap.data(), &compression.flags, compression.params.data(), &result);
+    KOB_READ_VARIABLE(block.handle(), &pass, nullptr, varkey.data(), varclass.data(), varnam.data(), &ncoo, &rank,
+                      &ndim, &tensor, type.data(), &lvmap, &subslen, &lenb, &lend, mbunit.data(), mdunit.data(),
+                      ubid.data(), ubexp.data(), udid.data(), udexp.data(), subscr.data(), subscnt.data(),
+                      subsoffs.data(), vmap.data(), &compression.flags, compression.params.data(), &result);
     // The writer counts the factors by itself.
     const bool is_whole = add_up(mbunit, ubid.size()) && add_up(mdunit, udid.size());
     return result < 0 || is_whole ? result : inconsistent_block;
@@ -149,16 +196,47 @@ BlockPath Variable::path(std::int32_t, std::int32_t) const
     return {{constant}, {kind::variable.name, varkey.data()}};
 }
 
+std::int32_t OlderVariables::read(StoredBlock& block)
+{
+    units.make_room(block);
+    fit(cname, text_bytes(block, "cname"));
+    fit(cid, stored(block, "cid"));
+    fit(comp, stored(block, "comp"));
+    std::int32_t result = 0;
+    KOB1_READ_VARIABLES(block.handle(), &pass, etypvar.data(), &idtrans, &rank, &ndim, &ncoo, units.mbunit.data(),
+                        units.mdunit.data(), units.ubid.data(), units.ubexp.data(), units.udid.data(),
+                        units.udexp.data(), cname.data(), cid.data(), comp.data(), &compression.flags,
+                        compression.params.data(), &result);
+    widen_names(block, "cname", cname);
+    return result < 0 || units.is_whole(ncoo) ? result : inconsistent_block;
+}
+
+std::int32_t OlderVariables::write(const Destination& to) const
+{
+    std::int32_t result = 0;
+    KOB1_WRITE_VARIABLES(&to.group, etypvar.data(), &idtrans, &rank, &ndim, &ncoo, units.mbunit.data(),
+                         units.mdunit.data(), units.ubid.data(), units.ubexp.data(), units.udid.data(),
+                         units.udexp.data(), cname.data(), cid.data(), comp.data(), &to.compression.flags,
+                         to.compression.params.data(), &to.float_size, &result);
+    return result;
+}
+
+BlockPath OlderVariables::path(std::int32_t, std::int32_t) const
+{
+    return {{constant}, {kind::older_variables.name, etypvar.data()}};
+}
+
 // ---- text
 
-std::int32_t Text::read(std::int64_t block)
+std::int32_t Text::read(StoredBlock& block)
 {
     index.make_room(block);
     fit(line, text_bytes(block, "line"));
+    const std::int32_t reads = whole_pass<Text>(block.generation());
     std::int32_t result = 0;
-    KOB_READ_TEXT(&block, &pass, etyptext.data(), &nlines, &length, &index.nindex, &index.indexic,
-                  index.indexident.data(), index.indexval.data(), line.data(), &compression.flags,
-                  compression.params.data(), &result);
+    call(block.generation(), KOB_READ_TEXT, KOB1_READ_TEXT, block.handle(), &reads, etyptext.data(), &nlines, &length,
+         current_only(&index.nindex, &index.indexic, index.indexident.data(), index.indexval.data()), line.data(),
+         &compression.flags, compression.params.data(), &result);
     adopt_stored_width(block, "line", length);
     return result;
 }
@@ -166,9 +244,10 @@ std::int32_t Text::read(std::int64_t block)
 std::int32_t Text::write(const Destination& to) const
 {
     std::int32_t result = 0;
-    KOB_WRITE_TEXT(&to.group, etyptext.data(), &nlines, &length, &index.nindex, &index.indexic, index.indexident.data(),
-                   index.indexval.data(), line.data(), &to.state, &to.compression.flags, to.compression.params.data(),
-                   &to.float_size, &result);
+    call(to.generation, KOB_WRITE_TEXT, KOB1_WRITE_TEXT, &to.group, etyptext.data(), &nlines, &length,
+         current_only(&index.nindex, &index.indexic, index.indexident.data(), index.indexval.data()), line.data(),
+         current_only(&to.state), &to.compression.flags, to.compression.params.data(), current_only(&to.float_size),
+         &result);
     return result;
 }
 
@@ -179,7 +258,7 @@ BlockPath Text::path(std::int32_t state, std::int32_t) const
 
 // ---- connectivities
 
-void Connectivities::make_room(hid_t block)
+void Connectivities::make_room(StoredBlock& block)
 {
     index.make_room(block);
     fit(idele, stored(block, "idele"));
@@ -187,26 +266,41 @@ void Connectivities::make_room(hid_t block)
     fit(ic, stored(block, "ic"));
     fit(iparam, stored(block, "iparam"));
     fit(fparam, stored(block, "fparam"));
+    if (!block.is_current()) {
+        units.make_room(block);
+    }
 }
 
-std::int32_t Connectivities::read(std::int64_t block, std::int32_t sections)
+std::int32_t Connectivities::read(StoredBlock& block, std::int32_t sections)
 {
     std::int32_t result = 0;
-    KOB_READ_CONNECTIVITIES(&block, &sections, etyp.data(), etypelem.data(), etyppart.data(), etypnode.data(),
-                            etypvar.data(), &nele, &npele, &ndim, &nbint, &nbfloat, &index.nindex, &index.indexic,
-                            index.indexident.data(), index.indexval.data(), idele.data(), pid.data(), ic.data(),
-                            iparam.data(), fparam.data(), &compression.flags, compression.params.data(), &result);
-    return result;
+    call(block.generation(), KOB_READ_CONNECTIVITIES, KOB1_READ_CONNECTIVITIES, block.handle(), &sections,
+         current_only(etyp.data()), etypelem.data(), etyppart.data(), etypnode.data(), current_only(etypvar.data()),
+         &nele, &npele, &ndim, &nbint, &nbfloat, &index.nindex, current_only(&index.indexic), index.indexident.data(),
+         index.indexval.data(), idele.data(), pid.data(), ic.data(), iparam.data(), fparam.data(),
+         older_only(units.mbunit.data(), units.mdunit.data(), units.ubid.data(), units.ubexp.data(), units.udid.data(),
+                    units.udexp.data()),
+         &compression.flags, compression.params.data(), &result);
+    if (block.is_current()) {
+        return result;
+    }
+    etyp = etypelem; // all that this layout knows
+    if (sections == older_passes.attributes || result < 0) {
+        return result;
+    }
+    return units.is_whole(nbfloat) ? result : inconsistent_block;
 }
 
 std::int32_t Connectivities::write(const Destination& to) const
 {
     std::int32_t result = 0;
-    KOB_WRITE_CONNECTIVITIES(&to.group, etyp.data(), etypelem.data(), etyppart.data(), etypnode.data(), etypvar.data(),
-                             &nele, &npele, &ndim, &nbint, &nbfloat, &index.nindex, &index.indexic,
-                             index.indexident.data(), index.indexval.data(), idele.data(), pid.data(), ic.data(),
-                             iparam.data(), fparam.data(), &to.state, &to.compression.flags,
-                             to.compression.params.data(), &to.float_size, &result);
+    call(to.generation, KOB_WRITE_CONNECTIVITIES, KOB1_WRITE_CONNECTIVITIES, &to.group, current_only(etyp.data()),
+         etypelem.data(), etyppart.data(), etypnode.data(), current_only(etypvar.data()), &nele, &npele, &ndim, &nbint,
+         &nbfloat, &index.nindex, current_only(&index.indexic), index.indexident.data(), index.indexval.data(),
+         idele.data(), pid.data(), ic.data(), iparam.data(), fparam.data(),
+         older_only(units.mbunit.data(), units.mdunit.data(), units.ubid.data(), units.ubexp.data(), units.udid.data(),
+                    units.udexp.data()),
+         &to.state, &to.compression.flags, to.compression.params.data(), &to.float_size, &result);
     return result;
 }
 
@@ -217,28 +311,28 @@ BlockPath Connectivities::path(std::int32_t state, std::int32_t) const
 
 // ---- activation flags
 
-void ActivationFlags::make_room(hid_t block)
+void ActivationFlags::make_room(StoredBlock& block)
 {
     index.make_room(block);
     fit(entid, stored(block, "entid"));
     fit(status, stored(block, "status"));
 }
 
-std::int32_t ActivationFlags::read(std::int64_t block, std::int32_t pass)
+std::int32_t ActivationFlags::read(StoredBlock& block, std::int32_t pass)
 {
     std::int32_t result = 0;
-    KOB_READ_ACTIVFLAGS(&block, &pass, etyp.data(), &nent, &index.nindex, &index.indexic, index.indexident.data(),
-                        index.indexval.data(), entid.data(), status.data(), &compression.flags,
-                        compression.params.data(), &result);
+    call(block.generation(), KOB_READ_ACTIVFLAGS, KOB1_READ_ACTIVFLAGS, block.handle(), &pass, etyp.data(), &nent,
+         &index.nindex, current_only(&index.indexic), index.indexident.data(), index.indexval.data(), entid.data(),
+         status.data(), &compression.flags, compression.params.data(), &result);
     return result;
 }
 
 std::int32_t ActivationFlags::write(const Destination& to) const
 {
     std::int32_t result = 0;
-    KOB_WRITE_ACTIVFLAGS(&to.group, etyp.data(), &nent, &index.nindex, &index.indexic, index.indexident.data(),
-                         index.indexval.data(), entid.data(), status.data(), &to.state, &to.compression.flags,
-                         to.compression.params.data(), &to.float_size, &result);
+    call(to.generation, KOB_WRITE_ACTIVFLAGS, KOB1_WRITE_ACTIVFLAGS, &to.group, etyp.data(), &nent, &index.nindex,
+         current_only(&index.indexic), index.indexident.data(), index.indexval.data(), entid.data(), status.data(),
+         &to.state, &to.compression.flags, to.compression.params.data(), &to.float_size, &result);
     return result;
 }
 
@@ -249,35 +343,37 @@ BlockPath ActivationFlags::path(std::int32_t state, std::int32_t) const
 
 // ---- parts
 
-void Parts::make_room(hid_t block)
+void Parts::make_room(StoredBlock& block)
 {
     index.make_room(block);
     fit(pid, stored(block, "pid"));
     fit(mid, stored(block, "mid"));
     fit(mtyp, stored(block, "mtyp"));
     fit(pcol, stored(block, "pcol"));
+    fit(pvtyp, stored(block, "pvtyp"));
     fit(title, text_bytes(block, "title"));
 }
 
-std::int32_t Parts::read(std::int64_t block, std::int32_t sections)
+std::int32_t Parts::read(StoredBlock& block, std::int32_t sections)
 {
     std::int32_t result = 0;
-    KOB_READ_PARTS(&block, &sections, etyppart.data(), &npart, &off, &length, &index.nindex, &index.indexic,
-                   index.indexident.data(), index.indexval.data(), pid.data(), title.data(), mid.data(), mtyp.data(),
-                   pcol.data(), &compression.flags, compression.params.data(), &result);
-    if (sections == passes.attributes) {
-        adopt_stored_width(block, "title", length);
-    }
+    call(block.generation(), KOB_READ_PARTS, KOB1_READ_PARTS, block.handle(), &sections, etyppart.data(), &npart, &off,
+         current_only(&length), &index.nindex, current_only(&index.indexic), index.indexident.data(),
+         index.indexval.data(), pid.data(), title.data(), mid.data(), mtyp.data(), pcol.data(),
+         older_only(pvtyp.data()), &compression.flags, compression.params.data(), &result);
+    has_pvtyp = !block.is_current();
+    settle_titles(block, sections == passes.attributes, length, title);
     return result;
 }
 
 std::int32_t Parts::write(const Destination& to) const
 {
     std::int32_t result = 0;
-    KOB_WRITE_PARTS(&to.group, etyppart.data(), &npart, &off, &length, &index.nindex, &index.indexic,
-                    index.indexident.data(), index.indexval.data(), pid.data(), title.data(), mid.data(), mtyp.data(),
-                    pcol.data(), &to.state, &to.compression.flags, to.compression.params.data(), &to.float_size,
-                    &result);
+    call(to.generation, KOB_WRITE_PARTS, KOB1_WRITE_PARTS, &to.group, etyppart.data(), &npart, &off,
+         current_only(&length), &index.nindex, current_only(&index.indexic), index.indexident.data(),
+         index.indexval.data(), pid.data(), title.data(), mid.data(), mtyp.data(), pcol.data(),
+         older_only(pvtyp.data()), &to.state, &to.compression.flags, to.compression.params.data(), &to.float_size,
+         &result);
     return result;
 }
 
@@ -288,7 +384,7 @@ BlockPath Parts::path(std::int32_t state, std::int32_t) const
 
 // ---- attributes and identifiers
 
-void EntityList::make_room(hid_t block)
+void EntityList::make_room(StoredBlock& block)
 {
     index.make_room(block);
     fit(entid, stored(block, "entid"));
@@ -296,26 +392,26 @@ void EntityList::make_room(hid_t block)
     fit(title, text_bytes(block, "title"));
 }
 
-std::int32_t EntityList::read(std::int64_t block, std::int32_t sections)
+std::int32_t EntityList::read(StoredBlock& block, std::int32_t sections)
 {
-    const auto reader = kind.key == kind::attributes.key ? KOB_READ_ATTRIBUTES : KOB_READ_IDENTIFIERS;
+    const auto current = kind.key == kind::attributes.key ? KOB_READ_ATTRIBUTES : KOB_READ_IDENTIFIERS;
     std::int32_t result = 0;
-    reader(&block, &sections, etyp.data(), &nent, &nuid, &length, &index.nindex, &index.indexic,
-           index.indexident.data(), index.indexval.data(), entid.data(), title.data(), uid.data(), &compression.flags,
-           compression.params.data(), &result);
-    if (sections == passes.attributes) {
-        adopt_stored_width(block, "title", length);
-    }
+    call(block.generation(), current, KOB1_READ_ATTRIBUTES, block.handle(), &sections, etyp.data(), &nent, &nuid,
+         current_only(&length), &index.nindex, current_only(&index.indexic), index.indexident.data(),
+         index.indexval.data(), entid.data(), title.data(), uid.data(), &compression.flags, compression.params.data(),
+         &result);
+    settle_titles(block, sections == passes.attributes, length, title);
     return result;
 }
 
 std::int32_t EntityList::write(const Destination& to) const
 {
-    const auto writer = kind.key == kind::attributes.key ? KOB_WRITE_ATTRIBUTES : KOB_WRITE_IDENTIFIERS;
+    const auto current = kind.key == kind::attributes.key ? KOB_WRITE_ATTRIBUTES : KOB_WRITE_IDENTIFIERS;
     std::int32_t result = 0;
-    writer(&to.group, etyp.data(), &nent, &nuid, &length, &index.nindex, &index.indexic, index.indexident.data(),
-           index.indexval.data(), entid.data(), title.data(), uid.data(), &to.state, &to.compression.flags,
-           to.compression.params.data(), &to.float_size, &result);
+    call(to.generation, current, KOB1_WRITE_ATTRIBUTES, &to.group, etyp.data(), &nent, &nuid, current_only(&length),
+         &index.nindex, current_only(&index.indexic), index.indexident.data(), index.indexval.data(), entid.data(),
+         title.data(), uid.data(), &to.state, &to.compression.flags, to.compression.params.data(), &to.float_size,
+         &result);
     return result;
 }
 
@@ -326,7 +422,7 @@ BlockPath EntityList::path(std::int32_t state, std::int32_t) const
 
 // ---- collectors
 
-void Collector::make_room(hid_t block)
+void Collector::make_room(StoredBlock& block)
 {
     index.make_room(block);
     fit(idcoll, stored(block, "idcoll"));
@@ -335,12 +431,12 @@ void Collector::make_room(hid_t block)
     fit(etyp, text_bytes(block, "etyp"));
 }
 
-std::int32_t Collector::read(std::int64_t block, std::int32_t pass)
+std::int32_t Collector::read(StoredBlock& block, std::int32_t pass)
 {
     std::int32_t result = 0;
-    KOB_READ_COLLECTOR(&block, &pass, &nenttot, etypcoll.data(), &ncoll, &ntyp, &index.nindex, &index.indexic,
-                       index.indexident.data(), index.indexval.data(), idcoll.data(), etyp.data(), nent.data(),
-                       entid.data(), &compression.flags, compression.params.data(), &result);
+    call(block.generation(), KOB_READ_COLLECTOR, KOB1_READ_COLLECTOR, block.handle(), &pass, &nenttot, etypcoll.data(),
+         &ncoll, &ntyp, &index.nindex, current_only(&index.indexic), index.indexident.data(), index.indexval.data(),
+         idcoll.data(), etyp.data(), nent.data(), entid.data(), &compression.flags, compression.params.data(), &result);
     if (pass != passes.values || result < 0) {
         return result;
     }
@@ -355,10 +451,10 @@ std::int32_t Collector::read(std::int64_t block, std::int32_t pass)
 std::int32_t Collector::write(const Destination& to) const
 {
     std::int32_t result = 0;
-    KOB_WRITE_COLLECTOR(&to.group, etypcoll.data(), &ncoll, &ntyp, &index.nindex, &index.indexic,
-                        index.indexident.data(), index.indexval.data(), idcoll.data(), etyp.data(), nent.data(),
-                        entid.data(), &to.state, &to.compression.flags, to.compression.params.data(), &to.float_size,
-                        &result);
+    call(to.generation, KOB_WRITE_COLLECTOR, KOB1_WRITE_COLLECTOR, &to.group, etypcoll.data(), &ncoll, &ntyp,
+         &index.nindex, current_only(&index.indexic), index.indexident.data(), index.indexval.data(), idcoll.data(),
+         etyp.data(), nent.data(), entid.data(), &to.state, &to.compression.flags, to.compression.params.data(),
+         &to.float_size, &result);
     return result;
 }
 

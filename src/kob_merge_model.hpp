@@ -23,9 +23,19 @@ struct SystemBlock {
     std::vector<double> ubshift, ubcon, udscal, udbexp;
     Compression compression;
 
-    std::int32_t read(std::int64_t block);
+    std::int32_t read(StoredBlock& block);
     [[nodiscard]] std::int32_t write(const Destination& to) const;
     [[nodiscard]] static BlockPath path(std::int32_t state, std::int32_t set);
+};
+
+/// Units of values in the older layout, where index, variables and connectivities blocks hold them.
+struct Units {
+    std::vector<std::int32_t> mbunit, mdunit, ubid, udid;
+    std::vector<double> ubexp, udexp;
+
+    void make_room(StoredBlock& block);
+    /// Do the counts and the factors of so many values belong together?
+    [[nodiscard]] bool is_whole(std::int32_t count) const;
 };
 
 struct IndexBlock {
@@ -33,9 +43,11 @@ struct IndexBlock {
 
     std::int32_t nindex = 0;
     Name etypvar;
+    std::vector<char> etypindex; ///< [nindex, 256]; in the older layout, like the units
+    Units units;
     Compression compression;
 
-    std::int32_t read(std::int64_t block);
+    std::int32_t read(StoredBlock& block);
     [[nodiscard]] std::int32_t write(const Destination& to) const;
     [[nodiscard]] static BlockPath path(std::int32_t state, std::int32_t set);
 };
@@ -49,7 +61,7 @@ struct VariableGroup {
     std::vector<char> varkey;
     Compression compression;
 
-    std::int32_t read(std::int64_t block);
+    std::int32_t read(StoredBlock& block);
     [[nodiscard]] std::int32_t write(const Destination& to) const;
     [[nodiscard]] BlockPath path(std::int32_t state, std::int32_t set) const;
 };
@@ -64,7 +76,23 @@ struct Variable {
     std::vector<char> subscr;
     Compression compression;
 
-    std::int32_t read(std::int64_t block);
+    std::int32_t read(StoredBlock& block);
+    [[nodiscard]] std::int32_t write(const Destination& to) const;
+    [[nodiscard]] BlockPath path(std::int32_t state, std::int32_t set) const;
+};
+
+/// What the older layout has in place of variable groups and variables.
+struct OlderVariables {
+    static constexpr std::int32_t pass = two_passes.values;
+
+    Name etypvar;
+    std::int32_t idtrans = 0, rank = 0, ndim = 0, ncoo = 0;
+    Units units;
+    std::vector<char> cname; ///< [ncoo, 256]
+    std::vector<std::int32_t> cid, comp;
+    Compression compression;
+
+    std::int32_t read(StoredBlock& block);
     [[nodiscard]] std::int32_t write(const Destination& to) const;
     [[nodiscard]] BlockPath path(std::int32_t state, std::int32_t set) const;
 };
@@ -78,13 +106,14 @@ struct Text {
     std::vector<char> line;
     Compression compression;
 
-    std::int32_t read(std::int64_t block);
+    std::int32_t read(StoredBlock& block);
     [[nodiscard]] std::int32_t write(const Destination& to) const;
     [[nodiscard]] BlockPath path(std::int32_t state, std::int32_t set) const;
 };
 
 struct Connectivities {
     static constexpr Passes passes{1, 2, 12};
+    static constexpr Passes older_passes = two_passes;
     static constexpr const char* identifiers = "idele";
 
     Name etyp, etypelem, etyppart, etypnode, etypvar;
@@ -92,14 +121,14 @@ struct Connectivities {
     StateIndex index;
     std::vector<std::int32_t> idele, pid, ic, iparam;
     std::vector<double> fparam;
+    Units units; ///< of the nbfloat parameters; in the older layout, which has neither etyp nor etypvar
     Compression compression;
 
-    void make_room(hid_t block);
-    std::int32_t read(std::int64_t block, std::int32_t sections);
+    void make_room(StoredBlock& block);
+    std::int32_t read(StoredBlock& block, std::int32_t sections);
     [[nodiscard]] std::int32_t write(const Destination& to) const;
     [[nodiscard]] BlockPath path(std::int32_t state, std::int32_t set) const;
 
-    [[nodiscard]] static std::int32_t values_pass(bool) { return passes.values; }
     std::int32_t& rows() { return nele; }
     std::vector<std::int32_t>& row_identifiers() { return idele; }
     auto columns()
@@ -112,11 +141,16 @@ struct Connectivities {
         return {{"npele", npele}, {"ndim", ndim}, {"nbint", nbint}, {"nbfloat", nbfloat}, {"nindex", index.nindex}};
     }
     void take_in(const Connectivities&) {}
-    void share(Connectivities& lead) { index = std::move(lead.index); }
+    void share(Connectivities& lead)
+    {
+        index = std::move(lead.index);
+        units = std::move(lead.units);
+    }
 };
 
 struct ActivationFlags {
     static constexpr Passes passes{1, 0, 2};
+    static constexpr Passes older_passes = two_passes;
     static constexpr const char* identifiers = "entid";
 
     Name etyp;
@@ -125,12 +159,11 @@ struct ActivationFlags {
     std::vector<std::int32_t> entid, status;
     Compression compression;
 
-    void make_room(hid_t block);
-    std::int32_t read(std::int64_t block, std::int32_t pass);
+    void make_room(StoredBlock& block);
+    std::int32_t read(StoredBlock& block, std::int32_t pass);
     [[nodiscard]] std::int32_t write(const Destination& to) const;
     [[nodiscard]] BlockPath path(std::int32_t state, std::int32_t set) const;
 
-    [[nodiscard]] static std::int32_t values_pass(bool) { return passes.values; }
     std::int32_t& rows() { return nent; }
     std::vector<std::int32_t>& row_identifiers() { return entid; }
     auto columns() { return std::tuple{Column<std::int32_t>{"status", status, 1}}; }
@@ -141,27 +174,30 @@ struct ActivationFlags {
 
 struct Parts {
     static constexpr Passes passes{1, 2, 8};
+    static constexpr Passes older_passes = two_passes;
     static constexpr const char* identifiers = "pid";
 
     Name etyppart;
     std::int32_t npart = 0, off = 0, length = 0;
     StateIndex index;
     std::vector<std::int32_t> pid, mid, mtyp, pcol;
+    std::vector<std::int32_t> pvtyp; ///< in the older layout
+    bool has_pvtyp = false;
     std::vector<char> title;
     Compression compression;
 
-    void make_room(hid_t block);
-    std::int32_t read(std::int64_t block, std::int32_t sections);
+    void make_room(StoredBlock& block);
+    std::int32_t read(StoredBlock& block, std::int32_t sections);
     [[nodiscard]] std::int32_t write(const Destination& to) const;
     [[nodiscard]] BlockPath path(std::int32_t state, std::int32_t set) const;
 
-    [[nodiscard]] static std::int32_t values_pass(bool) { return passes.values; }
     std::int32_t& rows() { return npart; }
     std::vector<std::int32_t>& row_identifiers() { return pid; }
     auto columns()
     {
         return std::tuple{text_column("title", title, length), optional_column("mid", mid, has(1)),
-                          optional_column("mtyp", mtyp, has(2)), optional_column("pcol", pcol, has(4))};
+                          optional_column("mtyp", mtyp, has(2)), optional_column("pcol", pcol, has(4)),
+                          optional_column("pvtyp", pvtyp, has_pvtyp)};
     }
     [[nodiscard]] std::vector<Trait> traits() const { return {{"nindex", index.nindex}}; }
     /// A column that one domain has is a column of all.
@@ -179,6 +215,7 @@ private:
 /// Attributes and identifiers blocks: one layout, two kinds.
 struct EntityList {
     static constexpr Passes passes{1, 2, 8};
+    static constexpr Passes older_passes = two_passes;
     static constexpr const char* identifiers = "entid";
 
     explicit EntityList(const BlockKind& which) : kind{which} {}
@@ -191,12 +228,11 @@ struct EntityList {
     std::vector<char> title;
     Compression compression;
 
-    void make_room(hid_t block);
-    std::int32_t read(std::int64_t block, std::int32_t sections);
+    void make_room(StoredBlock& block);
+    std::int32_t read(StoredBlock& block, std::int32_t sections);
     [[nodiscard]] std::int32_t write(const Destination& to) const;
     [[nodiscard]] BlockPath path(std::int32_t state, std::int32_t set) const;
 
-    [[nodiscard]] static std::int32_t values_pass(bool) { return passes.values; }
     std::int32_t& rows() { return nent; }
     std::vector<std::int32_t>& row_identifiers() { return entid; }
     auto columns() { return std::tuple{text_column("title", title, length), Column<std::int32_t>{"uid", uid, nuid}}; }
@@ -207,6 +243,7 @@ struct EntityList {
 
 struct Collector {
     static constexpr Passes passes{1, 0, 2};
+    static constexpr Passes older_passes = two_passes;
 
     Name etypcoll;
     std::int32_t ncoll = 0, ntyp = 0, nenttot = 0;
@@ -215,8 +252,8 @@ struct Collector {
     std::vector<char> etyp; ///< [ntyp, 256]
     Compression compression;
 
-    void make_room(hid_t block);
-    std::int32_t read(std::int64_t block, std::int32_t pass);
+    void make_room(StoredBlock& block);
+    std::int32_t read(StoredBlock& block, std::int32_t pass);
     [[nodiscard]] std::int32_t write(const Destination& to) const;
     [[nodiscard]] BlockPath path(std::int32_t state, std::int32_t set) const;
 };

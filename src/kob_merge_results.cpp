@@ -3,6 +3,7 @@
 #include "kob_merge_results.hpp"
 
 #include "kob_dp.h"
+#include "kob_merge_call.hpp"
 #include "kob_sections.hpp"
 
 #include <cstring>
@@ -30,7 +31,7 @@ std::int32_t value_size_for(bool complex, std::int32_t stored_size)
 
 // ---- entity results
 
-void EntityResults::make_room(hid_t block)
+void EntityResults::make_room(StoredBlock& block)
 {
     index.make_room(block);
     fit(entid, stored(block, "entid"));
@@ -40,15 +41,15 @@ void EntityResults::make_room(hid_t block)
     fit(res, stored(block, "res") * static_cast<std::size_t>(memory_size()));
 }
 
-std::int32_t EntityResults::read(std::int64_t block, std::int32_t sections)
+std::int32_t EntityResults::read(StoredBlock& block, std::int32_t sections)
 {
     const std::int32_t memory = memory_size();
     std::int32_t result = 0;
-    KOB_READ_ENTITYRESULTS2(&block, &sections, nullptr, etyp.data(), &nent, etypvar.data(), &ncoo, etypzone.data(),
-                            &zoneid, etypframe.data(), &fswitch, &dmpswitch, &index.nindex, &index.indexic,
-                            index.indexident.data(), index.indexval.data(), entid.data(), &fidglob, fid.data(),
-                            operators.data(), weight.data(), res.data(), &memory, &compression.flags,
-                            compression.params.data(), &whole, nullptr, nullptr, &result);
+    call(block.generation(), KOB_READ_ENTITYRESULTS2, KOB1_READ_ENTITYRESULTS2, block.handle(), &sections, nullptr,
+         etyp.data(), &nent, etypvar.data(), &ncoo, etypzone.data(), &zoneid, etypframe.data(), &fswitch, &dmpswitch,
+         &index.nindex, current_only(&index.indexic), index.indexident.data(), index.indexval.data(), entid.data(),
+         &fidglob, fid.data(), operators.data(), weight.data(), res.data(), &memory, &compression.flags,
+         compression.params.data(), &whole, nullptr, nullptr, &result);
     if (result < 0) {
         return result;
     }
@@ -68,11 +69,11 @@ std::int32_t EntityResults::write(const Destination& to) const
     const std::int32_t memory = memory_size();
     const std::int32_t value_size = value_size_for(is_complex(), size);
     std::int32_t result = 0;
-    KOB_WRITE_ENTITYRESULTS2(groups.data(), &section::all, nullptr, etyp.data(), &nent, etypvar.data(), &ncoo,
-                             etypzone.data(), &zoneid, etypframe.data(), &fswitch, &dmpswitch, &index.nindex,
-                             &index.indexic, index.indexident.data(), index.indexval.data(), entid.data(), &fidglob,
-                             fid.data(), operators.data(), weight.data(), res.data(), &memory, &to.compression.flags,
-                             to.compression.params.data(), &value_size, &whole, nullptr, nullptr, &result);
+    call(to.generation, KOB_WRITE_ENTITYRESULTS2, KOB1_WRITE_ENTITYRESULTS2, groups.data(), &section::all, nullptr,
+         etyp.data(), &nent, etypvar.data(), &ncoo, etypzone.data(), &zoneid, etypframe.data(), &fswitch, &dmpswitch,
+         &index.nindex, current_only(&index.indexic), index.indexident.data(), index.indexval.data(), entid.data(),
+         &fidglob, fid.data(), operators.data(), weight.data(), res.data(), &memory, &to.compression.flags,
+         to.compression.params.data(), &value_size, &whole, nullptr, nullptr, &result);
     return result;
 }
 
@@ -90,24 +91,24 @@ std::int32_t EntityResults::values_pass(bool leads) const
 
 // ---- series
 
-void Series::make_room(hid_t block)
+void Series::make_room(StoredBlock& block)
 {
-    fit(indexident, stored(block, "indexident"));
-    fit(indexval, stored(block, "indexval"));
+    fit(indexident, stored(block, "indexident", Where::index));
+    fit(indexval, stored(block, "indexval", Where::index));
     fit(entid, stored(block, "entid"));
     fit(fid, stored(block, "fid"));
     fit(operators, text_bytes(block, "operator"));
     fit(weight, stored(block, "weight"));
 }
 
-std::int32_t Series::read(std::int64_t block, std::int32_t sections)
+std::int32_t Series::read(StoredBlock& block, std::int32_t sections)
 {
     std::int32_t result = 0;
-    KOB_READ_MULTIENTITYRESULTS2(&block, &sections, nullptr, series.data(), etyp.data(), &nent, etypvar.data(), &ncoo,
-                                 etypzone.data(), &zoneid, etypframe.data(), &fswitch, &dmpswitch, &nindex, &nstate,
-                                 indexident.data(), indexval.data(), entid.data(), &fidglob, fid.data(),
-                                 operators.data(), weight.data(), res.data(), &as_double, &compression.flags,
-                                 compression.params.data(), &whole, nullptr, nullptr, &result);
+    call(block.generation(), KOB_READ_MULTIENTITYRESULTS2, KOB1_READ_MULTIENTITYRESULTS2, block.handle(), &sections,
+         nullptr, series.data(), etyp.data(), &nent, etypvar.data(), &ncoo, etypzone.data(), &zoneid, etypframe.data(),
+         &fswitch, &dmpswitch, &nindex, &nstate, indexident.data(), indexval.data(), entid.data(), &fidglob, fid.data(),
+         operators.data(), weight.data(), res.data(), &as_double, &compression.flags, compression.params.data(), &whole,
+         nullptr, nullptr, &result);
     if (result < 0) {
         return result;
     }
@@ -121,16 +122,16 @@ std::int32_t Series::read(std::int64_t block, std::int32_t sections)
     return result;
 }
 
-std::int32_t Series::read_states(std::int64_t block, std::int64_t first, std::int64_t count)
+std::int32_t Series::read_states(StoredBlock& block, std::int64_t first, std::int64_t count)
 {
     const std::array<std::int64_t, 4> counts{count, nent, ncoo, 2};
     const std::array<std::int64_t, 4> start{first, 0, 0, 0};
     std::int32_t result = 0;
-    KOB_READ_MULTIENTITYRESULTS2(&block, &section::values, nullptr, series.data(), etyp.data(), &nent, etypvar.data(),
-                                 &ncoo, etypzone.data(), &zoneid, etypframe.data(), &fswitch, &dmpswitch, &nindex,
-                                 &nstate, indexident.data(), indexval.data(), entid.data(), &fidglob, fid.data(),
-                                 operators.data(), weight.data(), res.data(), &as_double, &compression.flags,
-                                 compression.params.data(), &some_rows, counts.data(), start.data(), &result);
+    call(block.generation(), KOB_READ_MULTIENTITYRESULTS2, KOB1_READ_MULTIENTITYRESULTS2, block.handle(),
+         &section::values, nullptr, series.data(), etyp.data(), &nent, etypvar.data(), &ncoo, etypzone.data(), &zoneid,
+         etypframe.data(), &fswitch, &dmpswitch, &nindex, &nstate, indexident.data(), indexval.data(), entid.data(),
+         &fidglob, fid.data(), operators.data(), weight.data(), res.data(), &as_double, &compression.flags,
+         compression.params.data(), &some_rows, counts.data(), start.data(), &result);
     return result;
 }
 
@@ -145,16 +146,15 @@ std::int32_t Series::write_states(const Destination& to, std::int64_t first, std
     const std::int32_t value_size = value_size_for(is_complex(), size);
     std::int32_t held = 0;
     std::int32_t result = 0;
-    KOB_WRITE_MULTIENTITYRESULTS2(groups.data(), nullptr, nullptr, series.data(), etyp.data(), &nent, etypvar.data(),
-                                  &ncoo, etypzone.data(), &zoneid, etypframe.data(), &fswitch, &dmpswitch, &nindex,
-                                  identifiers_of_states, values_of_states, entid.data(), &fidglob, fid.data(),
-                                  operators.data(), weight.data(), res.data(), &as_double, &no_states,
-                                  &to.compression.flags, to.compression.params.data(), &value_size, &mode,
-                                  counts.data(), start.data(), &held, &result);
+    call(to.generation, KOB_WRITE_MULTIENTITYRESULTS2, KOB1_WRITE_MULTIENTITYRESULTS2, groups.data(), nullptr, nullptr,
+         series.data(), etyp.data(), &nent, etypvar.data(), &ncoo, etypzone.data(), &zoneid, etypframe.data(), &fswitch,
+         &dmpswitch, &nindex, identifiers_of_states, values_of_states, entid.data(), &fidglob, fid.data(),
+         operators.data(), weight.data(), res.data(), &as_double, &no_states, &to.compression.flags,
+         to.compression.params.data(), &value_size, &mode, counts.data(), start.data(), &held, &result);
     return result;
 }
 
-std::int32_t Series::read_filters(std::int64_t block)
+std::int32_t Series::read_filters(StoredBlock& block)
 {
     const std::int32_t rows_before = std::exchange(nent, std::min(nent, 1));
     fit(res, static_cast<std::size_t>(std::max<std::int64_t>(values_of_state(), 0)));
@@ -165,7 +165,7 @@ std::int32_t Series::read_filters(std::int64_t block)
 
 // ---- element results
 
-std::int32_t ElementResults::read(std::int64_t block)
+std::int32_t ElementResults::read(StoredBlock& block)
 {
     index.make_room(block);
     fit(idele, stored(block, "idele"));
@@ -174,11 +174,11 @@ std::int32_t ElementResults::read(std::int64_t block)
     fit(operators, text_bytes(block, "operator"));
     fit(weight, stored(block, "weight"));
     fit(res, stored(block, "res"));
-    KOB_READ_ELEMENTRESULTS(&block, &pass, etypelem.data(), &nele, etypvar.data(), &ncoo, &numl, &ndim, etypzone.data(),
-                            &zoneid, etypframe.data(), &fswitch, &dmpswitch, &index.nindex, &index.indexic,
-                            index.indexident.data(), index.indexval.data(), idele.data(), &fidglob, fid.data(),
-                            eloc.data(), operators.data(), weight.data(), res.data(), &compression.flags,
-                            compression.params.data(), &key);
+    call(block.generation(), KOB_READ_ELEMENTRESULTS, KOB1_READ_ELEMENTRESULTS, block.handle(), &pass, etypelem.data(),
+         &nele, etypvar.data(), &ncoo, &numl, &ndim, etypzone.data(), &zoneid, etypframe.data(), &fswitch, &dmpswitch,
+         &index.nindex, current_only(&index.indexic), index.indexident.data(), index.indexval.data(), idele.data(),
+         &fidglob, fid.data(), eloc.data(), operators.data(), weight.data(), res.data(), &compression.flags,
+         compression.params.data(), &key);
     size = stored_width(block, "res");
     widen_names(block, "operator", operators);
     return key;
@@ -188,11 +188,11 @@ std::int32_t ElementResults::write(const Destination& to) const
 {
     const std::int32_t value_size = value_size_for(key == kind::element_results.complex_key, size);
     std::int32_t result = 0;
-    KOB_WRITE_ELEMENTRESULTS(&to.group, etypelem.data(), &nele, etypvar.data(), &ncoo, &numl, &ndim, etypzone.data(),
-                             &zoneid, etypframe.data(), &fswitch, &dmpswitch, &index.nindex, &index.indexic,
-                             index.indexident.data(), index.indexval.data(), idele.data(), &fidglob, fid.data(),
-                             eloc.data(), operators.data(), weight.data(), res.data(), &to.set, &to.state,
-                             &to.compression.flags, to.compression.params.data(), &value_size, &result);
+    call(to.generation, KOB_WRITE_ELEMENTRESULTS, KOB1_WRITE_ELEMENTRESULTS, &to.group, etypelem.data(), &nele,
+         etypvar.data(), &ncoo, &numl, &ndim, etypzone.data(), &zoneid, etypframe.data(), &fswitch, &dmpswitch,
+         &index.nindex, current_only(&index.indexic), index.indexident.data(), index.indexval.data(), idele.data(),
+         &fidglob, fid.data(), eloc.data(), operators.data(), weight.data(), res.data(), &to.set, &to.state,
+         &to.compression.flags, to.compression.params.data(), &value_size, &result);
     return result;
 }
 
@@ -206,26 +206,30 @@ BlockPath ElementResults::path(std::int32_t state, std::int32_t set) const
 
 // ---- matrices
 
-std::int32_t Matrix::read(std::int64_t block)
+std::int32_t Matrix::read(StoredBlock& block)
 {
-    const auto reader = kind.key == kind::dense_matrix.key ? KOB_READ_DENSEMATRIX : KOB_READ_TRIANGULARMATRIX;
+    const bool is_dense = kind.key == kind::dense_matrix.key;
     index.make_room(block);
     fit(val, stored(block, "val"));
-    reader(&block, &pass, etyp.data(), &entid, etypvar.data(), &sizes[0], &sizes[1], &index.nindex, &index.indexic,
-           index.indexident.data(), index.indexval.data(), val.data(), &compression.flags, compression.params.data(),
-           nullptr, nullptr, &key, 0, 0);
+    call(block.generation(), is_dense ? KOB_READ_DENSEMATRIX : KOB_READ_TRIANGULARMATRIX,
+         is_dense ? KOB1_READ_DENSEMATRIX : KOB1_READ_TRIANGULARMATRIX, block.handle(), &pass, etyp.data(), &entid,
+         etypvar.data(), &sizes[0], &sizes[1], &index.nindex, current_only(&index.indexic), index.indexident.data(),
+         index.indexval.data(), val.data(), &compression.flags, compression.params.data(), nullptr, nullptr, &key, 0,
+         0);
     size = stored_width(block, "val");
     return key;
 }
 
 std::int32_t Matrix::write(const Destination& to) const
 {
-    const auto writer = kind.key == kind::dense_matrix.key ? KOB_WRITE_DENSEMATRIX : KOB_WRITE_TRIANGULARMATRIX;
+    const bool is_dense = kind.key == kind::dense_matrix.key;
     const std::int32_t value_size = value_size_for(key == kind.complex_key, size);
     std::int32_t result = 0;
-    writer(&to.group, etyp.data(), &entid, etypvar.data(), &sizes[0], &sizes[1], &index.nindex, &index.indexic,
-           index.indexident.data(), index.indexval.data(), val.data(), &to.state, &to.compression.flags,
-           to.compression.params.data(), &value_size, &whole, nullptr, nullptr, &result, 0, 0);
+    call(to.generation, is_dense ? KOB_WRITE_DENSEMATRIX : KOB_WRITE_TRIANGULARMATRIX,
+         is_dense ? KOB1_WRITE_DENSEMATRIX : KOB1_WRITE_TRIANGULARMATRIX, &to.group, etyp.data(), &entid,
+         etypvar.data(), &sizes[0], &sizes[1], &index.nindex, current_only(&index.indexic), index.indexident.data(),
+         index.indexval.data(), val.data(), &to.state, &to.compression.flags, to.compression.params.data(), &value_size,
+         &whole, nullptr, nullptr, &result, 0, 0);
     return result;
 }
 

@@ -15,6 +15,7 @@ std::int32_t value_size_for(bool complex, std::int32_t stored_size);
 /// A table of one variable, in one state or none. Its values stay in the width in which they are stored.
 struct EntityResults {
     static constexpr Passes passes{1, 2, 8};
+    static constexpr Passes older_passes = passes;
     static constexpr const char* identifiers = "entid";
 
     Name etyp, etypvar, etypzone, etypframe;
@@ -28,8 +29,8 @@ struct EntityResults {
     std::int32_t size = 0; ///< bytes of a stored value; 0: there are none
     Compression compression;
 
-    void make_room(hid_t block);
-    std::int32_t read(std::int64_t block, std::int32_t sections);
+    void make_room(StoredBlock& block);
+    std::int32_t read(StoredBlock& block, std::int32_t sections);
     [[nodiscard]] std::int32_t write(const Destination& to) const;
     [[nodiscard]] BlockPath path(std::int32_t state, std::int32_t set) const;
     /// Values and frames of the rows; of the leading domain also what all rows share.
@@ -73,6 +74,7 @@ struct EntityResults {
 /// Tables of one variable in many states.
 struct Series {
     static constexpr Passes passes{1, 2, 4};
+    static constexpr Passes older_passes = passes;
     static constexpr const char* identifiers = "entid";
 
     Name series, etyp, etypvar, etypzone, etypframe;
@@ -87,24 +89,23 @@ struct Series {
     std::int32_t size = 0; ///< bytes of a stored value; 0: there are none
     Compression compression;
 
-    void make_room(hid_t block); ///< for all but the values
-    std::int32_t read(std::int64_t block, std::int32_t sections);
+    void make_room(StoredBlock& block); ///< for all but the values
+    std::int32_t read(StoredBlock& block, std::int32_t sections);
     /// Reads the values of some states.
-    std::int32_t read_states(std::int64_t block, std::int64_t first, std::int64_t count);
+    std::int32_t read_states(StoredBlock& block, std::int64_t first, std::int64_t count);
     /// Learns how the values are stored, by reading the first row of them.
-    std::int32_t read_filters(std::int64_t block);
+    std::int32_t read_filters(StoredBlock& block);
     /// Writes some states, whose index values are given; none of them makes an empty series.
     [[nodiscard]] std::int32_t write_states(const Destination& to, std::int64_t first, std::int64_t count,
                                             const std::int32_t* identifiers_of_states,
                                             const double* values_of_states) const;
-    [[nodiscard]] static std::int32_t values_pass(bool) { return passes.values; }
 
     [[nodiscard]] bool is_complex() const { return key == kind::multi_entity_results.complex_key; }
     [[nodiscard]] std::int64_t values_of_row() const { return std::int64_t{ncoo} * (is_complex() ? 2 : 1); }
     /// Numbers of one state.
     [[nodiscard]] std::int64_t values_of_state() const { return nent * values_of_row(); }
     /// Are there values for every state and row?
-    [[nodiscard]] bool has_all_values(hid_t block) const
+    [[nodiscard]] bool has_all_values(StoredBlock& block) const
     {
         return nstate >= 0 && static_cast<std::int64_t>(stored(block, "res")) == nstate * values_of_state();
     }
@@ -140,7 +141,7 @@ struct ElementResults {
     std::int32_t size = 0;
     Compression compression;
 
-    std::int32_t read(std::int64_t block);
+    std::int32_t read(StoredBlock& block);
     [[nodiscard]] std::int32_t write(const Destination& to) const;
     [[nodiscard]] BlockPath path(std::int32_t state, std::int32_t set) const;
 };
@@ -161,7 +162,7 @@ struct Matrix {
     std::int32_t size = 0;
     Compression compression;
 
-    std::int32_t read(std::int64_t block);
+    std::int32_t read(StoredBlock& block);
     [[nodiscard]] std::int32_t write(const Destination& to) const;
     [[nodiscard]] BlockPath path(std::int32_t state, std::int32_t set) const;
     /// The same contents, bit by bit; how they are stored does not count.

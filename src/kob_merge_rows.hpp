@@ -98,13 +98,13 @@ template <class Block> void make_rows(Block& merged, const std::vector<std::int3
 }
 
 /// Does a block hold as many identifiers and values as its attributes claim?
-template <class Block> bool is_complete(hid_t group, Block& block)
+template <class Block> bool is_complete(StoredBlock& source, Block& block)
 {
     const std::int64_t rows = block.rows();
-    bool complete = rows >= 0 && static_cast<std::int64_t>(stored(group, Block::identifiers)) == rows;
+    bool complete = rows >= 0 && static_cast<std::int64_t>(stored(source, Block::identifiers)) == rows;
     for_each_column(block, [&](const auto& column) {
         const bool fits = column.elements >= 0 && column.elements <= INT32_MAX &&
-                          static_cast<std::int64_t>(stored(group, column.name)) == rows * column.elements;
+                          static_cast<std::int64_t>(stored(source, column.name)) == rows * column.elements;
         complete = complete && (fits || rows == 0 || column.elements == 0);
     });
     return complete || rows == 0;

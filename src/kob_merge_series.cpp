@@ -28,7 +28,7 @@ public:
         Gathered<Series> gathered = gather(files_, unions_, kind, shared, Series{});
         Series before;
         Series merged = frame_of(gathered, before);
-        check_index_values(merged.nindex);
+        check_index_values(files_.family(), merged.nindex);
         for (std::size_t i = shared.size(); i-- > 0;) {
             read_static_part(shared[i], gathered.domains[i], i == gathered.lead);
             scatter(gathered.domains[i], gathered.rows->rows_of(i), merged);
@@ -65,20 +65,20 @@ private:
     {
         const BlockKind& kind = kind::multi_entity_results;
         const std::string& path = source.entry->path;
-        const Id group = files_.open(source);
-        domain.make_room(group.get());
-        if (!domain.has_all_values(group.get())) {
+        StoredBlock block = files_.open(source);
+        domain.make_room(block);
+        if (!domain.has_all_values(block)) {
             fail_reading(kind, Series::passes.values, other_extents, path);
         }
-        if (const std::int32_t status = domain.read(group.get(), Series::passes.index); status < 0) {
+        if (const std::int32_t status = domain.read(block, Series::passes.index); status < 0) {
             fail_reading(kind, Series::passes.index, status, path);
         }
         if (leads || domain.nent > 0) {
-            if (const std::int32_t status = domain.read(group.get(), Series::passes.values); status < 0) {
+            if (const std::int32_t status = domain.read(block, Series::passes.values); status < 0) {
                 fail_reading(kind, Series::passes.values, status, path);
             }
         }
-        if (const std::int32_t status = domain.read_filters(group.get()); status < 0) {
+        if (const std::int32_t status = domain.read_filters(block); status < 0) {
             fail_reading(kind, Series::passes.values, status, path);
         }
     }
@@ -171,7 +171,8 @@ private:
         const std::string& path = shared.front().entry->path;
         const std::int64_t at_a_time = states_at_a_time(merged, states, path);
         const Id group = target_.create(path);
-        const Destination to{.group = group.get(), .compression = compression};
+        const Destination to{
+            .generation = files_.family().generation, .group = group.get(), .compression = compression};
         std::int64_t first = 0;
         do {
             const std::int64_t count = std::min(at_a_time, states.size() - first);
@@ -208,7 +209,7 @@ private:
         const std::int64_t most_rows =
             std::max<std::int64_t>(most_bytes_of_piece / std::max<std::int64_t>(state_size * 8, 1), 1);
         const auto row_of = [&](std::int64_t state) { return states.rows[static_cast<std::size_t>(state)][d]; };
-        const Id group = files_.open(source);
+        StoredBlock block = files_.open(source);
         for (std::int64_t state = wanted.begin; state < wanted.end;) {
             if (row_of(state) < 0) {
                 ++state;
@@ -219,7 +220,7 @@ private:
                 ++end;
             }
             domain.res.resize(static_cast<std::size_t>((end - state) * state_size));
-            if (const std::int32_t status = domain.read_states(group.get(), row_of(state), end - state); status < 0) {
+            if (const std::int32_t status = domain.read_states(block, row_of(state), end - state); status < 0) {
                 fail_reading(kind::multi_entity_results, Series::passes.values, status, source.entry->path);
             }
             for (std::int64_t s = state; s < end; ++s) {

@@ -58,7 +58,9 @@ Compression Target::compression_of(const EntityResults& block) const
 void Target::write_results(const std::string& path, const EntityResults& block, const Compression& compression) const
 {
     const Id group = create(path);
-    if (const std::int32_t status = block.write({.group = group.get(), .compression = compression}); status != 0) {
+    if (const std::int32_t status =
+            block.write({.generation = group_.generation, .group = group.get(), .compression = compression});
+        status != 0) {
         fail_writing(kind::entity_results, status, path);
     }
 }

@@ -50,7 +50,7 @@ struct Storing {
 
 class Target {
 public:
-    Target(hid_t group, Storing storing, std::int32_t verbosity)
+    Target(Location group, Storing storing, std::int32_t verbosity)
         : group_{group}, storing_{std::move(storing)}, verbosity_{verbosity}
     {
     }
@@ -62,18 +62,21 @@ public:
     /// The filters of merged results.
     [[nodiscard]] Compression compression_of(const EntityResults& block) const;
     /// The block of a path, or an empty owner.
-    [[nodiscard]] Id open(const std::string& path) const { return open_block(group_, path); }
+    [[nodiscard]] StoredBlock open(const std::string& path) const
+    {
+        return {open_block(group_.group, path), group_.generation};
+    }
     [[nodiscard]] bool holds(const std::string& path) const { return static_cast<bool>(open(path)); }
-    [[nodiscard]] Id create(const std::string& path) const { return create_block(group_, path); }
+    [[nodiscard]] Id create(const std::string& path) const { return create_block(group_.group, path); }
 
     /// Writes a block through a writer that builds the path by itself.
     template <class Block>
     void write_at(const BlockKind& kind, const Place& place, const Block& block, const std::string& path) const
     {
         const Id prefix = place.prefix.empty() ? Id{} : create(place.prefix);
-        const GroupsLeftOpen closed_after{group_};
-        const std::int32_t status = block.write({prefix ? prefix.get() : group_, place.state, place.set,
-                                                 or_default(block.compression), storing_.float_size});
+        const GroupsLeftOpen closed_after{group_.group};
+        const std::int32_t status = block.write({group_.generation, prefix ? prefix.get() : group_.group, place.state,
+                                                 place.set, or_default(block.compression), storing_.float_size});
         if (status != 0) {
             fail_writing(kind, status, path);
         }
@@ -82,7 +85,7 @@ public:
     void write_results(const std::string& path, const EntityResults& block, const Compression& compression) const;
 
 private:
-    hid_t group_;
+    Location group_;
     Storing storing_;
     std::int32_t verbosity_;
 };

@@ -133,7 +133,7 @@ constexpr char merge_version_ok[] = "OK      - version file: %d.%d.%d - program:
 constexpr char merge_version_warning[] = "WARNING - version file: %d.%d.%d - program: %d.%d.%d\n";
 constexpr char merge_maybe_incompatible[] = "\nKOB WARNING - files maybe incompatible\n";
 constexpr char merge_start[] = "\n Start file merge\n\n";
-constexpr char merge_nindex[] = "\nKOB ERROR - nindex too large = %d. Increase MAXINDEX: %d\n";
+constexpr char merge_nindex[] = "\nKOB ERROR - nindex too large = %d. Increase %s: %d\n";
 constexpr char merge_block_missing[] = "\nKOB WARNING file [%d]: \"%s\" block not found\n";
 constexpr char merge_multiple_blocks[] = "\nKOB WARNING file [%d]: multiple \"%s\" blocks\n";
 constexpr char merge_kind_missing[] = "\nKOB WARNING file [%d]: no \"%s\" blocks found\n";

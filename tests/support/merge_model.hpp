@@ -258,8 +258,8 @@ public:
         out.triangular(17, 3, {1, 2, 3, 4, 5, 6}, 4);
     }
 
-    /// Blocks whose rows belong to elements or nodes.
-    void write(const BlockWriter& out, const Cut& cut) const
+    /// Blocks whose rows belong to elements or nodes, in the layout of the writer.
+    template <class Out = BlockWriter> void write(const Out& out, const Cut& cut) const
     {
         const Ints32 elements = element_ids(cut);
         const Ints32 nodes = node_ids(cut);
@@ -335,7 +335,8 @@ private:
     }
     std::int32_t part_of(std::int32_t place) const { return place < elements_ / 2 ? 30 : 10; }
 
-    static void write_lists(const BlockWriter& out, const Ints32& elements, const Ints32& nodes, const Ints32& pid)
+    template <class Out>
+    static void write_lists(const Out& out, const Ints32& elements, const Ints32& nodes, const Ints32& pid)
     {
         const std::set<std::int32_t> used(pid.begin(), pid.end());
         const Ints32 parts(used.begin(), used.end());
@@ -374,7 +375,7 @@ private:
                       list);
     }
 
-    static void write_results(const BlockWriter& out, const Ints32& elements, const Ints32& nodes)
+    template <class Out> static void write_results(const Out& out, const Ints32& elements, const Ints32& nodes)
     {
         const auto table = [&](const ResultTable& t, const Ints32& ids, std::int32_t state, const BlockState& at) {
             Ints32 fid;

@@ -13,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include "captured_stream.hpp"
+#include "distributed_run.hpp"
 #include "file_contents.hpp"
 #include "kob_file.hpp"
 #include "merge_model.hpp"
@@ -26,53 +27,6 @@ using testing::Not;
 using Table = ResultTable;
 
 constexpr char number_path[] = "DMPComputeDomainNumber";
-
-/// Domain files and a target, and one call of the merger on them.
-class DistributedRun {
-public:
-    explicit DistributedRun(std::size_t domains, std::int32_t target_option = create_results,
-                            std::int32_t domain_option = create_results)
-        : target{target_option}
-    {
-        for (std::size_t i = 0; i < domains; ++i) files_.push_back(std::make_unique<KobFile>(domain_option));
-    }
-
-    /// A writer into domain i, counted from 1 like in the messages.
-    BlockWriter in(std::size_t file) const { return {files_.at(file - 1)->handle()}; }
-    const KobFile& file(std::size_t number) const { return *files_.at(number - 1); }
-    void stamp() const
-    {
-        for (const auto& file : files_) BlockWriter{file->handle()}.header();
-    }
-
-    std::int32_t merge()
-    {
-        std::vector<std::int64_t> handles;
-        for (const auto& file : files_) handles.push_back(file->handle());
-        const auto n = static_cast<std::int32_t>(handles.size());
-        const auto nexp = static_cast<std::int32_t>(exponents.size());
-        std::int32_t status = 77;
-        CapturedStream captured;
-        KOB_MERGE_DMP(handles.data(), target.address(), &n, &filter_flags, filter_params.data(), &nexp, names.data(),
-                      exponents.data(), &options, &float_size, &status);
-        out = captured.out();
-        err = captured.err();
-        return status;
-    }
-
-    KobFile target;
-    std::int64_t options = 4; // without domain numbers
-    std::int32_t filter_flags = 0;
-    std::array<std::int32_t, 2> filter_params{2, 5};
-    std::int32_t float_size = 8;
-    Texts256 names;
-    Ints32 exponents;
-    std::string out;
-    std::string err;
-
-private:
-    std::vector<std::unique_ptr<KobFile>> files_;
-};
 
 std::vector<double> reals(const DistributedRun& run, const std::string& path, const std::string& name)
 {
