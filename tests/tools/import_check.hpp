@@ -27,7 +27,7 @@
 namespace kob_test {
 
 /// An entity results block, all of it.
-struct EntityResults {
+struct ImportedResults {
     std::int32_t key = 0;
     std::string etyp, etypvar;
     std::int32_t nent = 0, ncoo = 0, nindex = 0, indexic = 0, indexident = 0;
@@ -38,9 +38,9 @@ struct EntityResults {
     std::vector<double> values;
 };
 
-inline EntityResults read_entity_results(const KobFile& file, const std::string& path)
+inline ImportedResults read_entity_results(const KobFile& file, const std::string& path)
 {
-    EntityResults r;
+    ImportedResults r;
     const std::int64_t block = file.block(path);
     Text256 etyp, etypvar, zone, frame;
     std::int32_t zoneid = 0, fswitch = 0, dmpswitch = 0, fidglob = 0, status = 77;
