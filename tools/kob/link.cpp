@@ -74,7 +74,7 @@ std::vector<Link> plan(const LinkOptions& options)
             throw Failure{exit_cannot_read, fmt::format("{}: holds no blocks", printable(options.sources[i]))};
         for (const std::string& name : names) {
             const std::string group = group_of(options, i);
-            const bool taken = !owners.emplace(group + '/' + name, i).second;
+            const bool taken = !owners.emplace(fmt::format("{}/{}", group, name), i).second;
             links.push_back({i, group, name, taken});
         }
     }

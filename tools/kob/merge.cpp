@@ -222,7 +222,7 @@ void report(const MergeOptions& options, const std::vector<KindPlan>& kinds, std
     if (options.quiet) return;
     if (options.dry_run) {
         Table table{{"KEY", "KIND", "BLOCKS", "FILES", "PATHS", "WHAT HAPPENS"}};
-        for (const std::size_t column : {0, 2, 3, 4}) table.align_right(column);
+        for (const std::size_t column : {0U, 2U, 3U, 4U}) table.align_right(column);
         for (const KindPlan& kind : kinds)
             table.add({fmt::format("{}", kind.key), kind.name, fmt::format("{}", kind.blocks),
                        fmt::format("{}", kind.files.size()), fmt::format("{}", kind.paths.size()),
