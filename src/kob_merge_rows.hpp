@@ -44,6 +44,9 @@ template <class T> void scatter_column(const Column<T>& from, RowMap rows, Colum
 {
     const auto width = static_cast<std::size_t>(std::max<std::int64_t>(from.width, 0));
     const auto wider_width = static_cast<std::size_t>(std::max<std::int64_t>(to.width, 0));
+    if (width == 0) {
+        return; // a column that the domain does not have
+    }
     if (width == wider_width) {
         scatter_rows(from.values.data(), width, rows, to.values.data());
     } else {

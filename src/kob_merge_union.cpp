@@ -55,7 +55,7 @@ void sort_by_identifier(std::vector<std::uint64_t>& keys)
 
 } // namespace
 
-IdentifierUnion::IdentifierUnion(const IdentifierLists& lists) : ends_{lists.ends()}
+IdentifierUnion::IdentifierUnion(const IdentifierLists& lists) : values_{lists.values()}, ends_{lists.ends()}
 {
     const std::vector<std::int32_t>& values = lists.values();
     if (values.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
@@ -87,21 +87,6 @@ IdentifierUnion::IdentifierUnion(const IdentifierLists& lists) : ends_{lists.end
         const bool repeats = is_known && domain_of(row_of(keys[i - 1])) == domain_of(row_of(keys[i]));
         rows_[row_of(keys[i])] = repeats ? ~row : row;
     }
-}
-
-bool IdentifierUnion::joins(const IdentifierLists& lists) const
-{
-    if (lists.ends() != ends_) {
-        return false;
-    }
-    const std::vector<std::int32_t>& values = lists.values();
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        const std::int32_t row = rows_[i] < 0 ? ~rows_[i] : rows_[i];
-        if (identifiers_[static_cast<std::size_t>(row)] != values[i]) {
-            return false;
-        }
-    }
-    return true;
 }
 
 const IdentifierUnion& UnionCache::of(const IdentifierLists& lists)

@@ -61,17 +61,22 @@ public:
     }
 
     /// Is this the union of these lists?
-    [[nodiscard]] bool joins(const IdentifierLists& lists) const;
+    [[nodiscard]] bool joins(const IdentifierLists& lists) const
+    {
+        return lists.ends() == ends_ && lists.values() == values_;
+    }
 
     /// Memory held.
     [[nodiscard]] std::size_t bytes() const
     {
-        return (identifiers_.size() + rows_.size()) * sizeof(std::int32_t) + ends_.size() * sizeof(std::size_t);
+        return (identifiers_.size() + rows_.size() + values_.size()) * sizeof(std::int32_t) +
+               ends_.size() * sizeof(std::size_t);
     }
 
 private:
     std::vector<std::int32_t> identifiers_;
     std::vector<std::int32_t> rows_;
+    std::vector<std::int32_t> values_; ///< the lists: compared in their order, which is faster than through the rows
     std::vector<std::size_t> ends_;
 };
 
