@@ -36,6 +36,18 @@ public:
     Scratch& operator=(const Scratch&) = delete;
 
     [[nodiscard]] std::string file(const std::string& name) const { return (folder_ / name).string(); }
+    void remove(std::initializer_list<const char*> names) const
+    {
+        for (const char* name : names) {
+            std::filesystem::remove(folder_ / name);
+        }
+    }
+    void clear() const
+    {
+        for (const auto& entry : std::filesystem::directory_iterator{folder_}) {
+            std::filesystem::remove(entry.path());
+        }
+    }
 
 private:
     std::filesystem::path folder_;
@@ -61,9 +73,10 @@ Result measure_row(const Row& row, int count, const Scratch& scratch)
         run_apart([&] { row.raw.write(input, nullptr)(); });
     }
     const auto run_once = [&](const Side& side, Runs& runs, const char* output) {
-        const std::string file = row.kind == Row::Kind::write ? scratch.file(output) : input;
-        if (row.kind == Row::Kind::write) {
-            std::filesystem::remove(file);
+        const bool makes_file = row.kind == Row::Kind::write || row.kind == Row::Kind::merge;
+        const std::string file = makes_file ? scratch.file(output) : input;
+        if (makes_file) {
+            scratch.remove({"raw.kob", "ours.kob"});
         }
         runs.samples.push_back(measure([&] { return side.task(file, nullptr); }));
         runs.file_bytes = std::filesystem::file_size(file);
@@ -77,9 +90,7 @@ Result measure_row(const Row& row, int count, const Scratch& scratch)
             run_once(row.raw, result.raw, "raw.kob");
         }
     }
-    for (const char* name : {"input.kob", "raw.kob", "ours.kob"}) {
-        std::filesystem::remove(scratch.file(name));
-    }
+    scratch.clear();
     return result;
 }
 
@@ -119,6 +130,16 @@ int verify_all(const std::vector<Row>& chosen, const Scratch& scratch)
         const std::string of_raw = scratch.file("raw.kob");
         row.ours.write(of_ours, nullptr)();
         row.raw.write(of_raw, nullptr)();
+        if (row.kind == Row::Kind::merge) {
+            row.ours.task(of_ours, nullptr)();
+            row.raw.task(of_raw, nullptr)();
+            std::vector<std::string> lines = differences(of_ours, of_raw);
+            if (!row.same_values) {
+                std::erase_if(lines, [](const std::string& line) { return line.ends_with(value_difference); });
+            }
+            report(row.name, lines);
+            continue;
+        }
         if (row.kind == Row::Kind::write) {
             report(row.name, differences(of_ours, of_raw));
             continue;

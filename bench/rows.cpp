@@ -3,6 +3,7 @@
 #include "rows.hpp"
 
 #include "large_blocks.hpp"
+#include "merge.hpp"
 #include "results.hpp"
 #include "series.hpp"
 
@@ -12,7 +13,10 @@ namespace {
 const std::vector<std::string> five_variables{"DISPLACEMENT", "STRESS", "STRAIN", "TEMPERATURE", "REACTION"};
 
 constexpr double usual_hold = 1.10;
-constexpr double noise_bytes = 1 << 20; // what the heap and HDF5's free lists leave unexplained
+constexpr double copying_hold = 1.5;       // of a merge, against one that merges nothing
+constexpr double sorting_hold = 0.40;      // of a merge, against one that sorts each state
+constexpr double merging_bytes = 32 << 20; // the union of the nodes, and a domain's part beside the merged block
+constexpr double noise_bytes = 1 << 20;    // what the heap and HDF5's free lists leave unexplained
 
 // The tiny ones are too large to be stored in the object header, where the real ones are.
 
@@ -35,6 +39,8 @@ SparseSet sparse(Size size) { return size == Size::real ? SparseSet{1'000'000, 1
 
 HexahedraSet hexahedra(Size size) { return {size == Size::real ? 1'000'000 : 7000}; }
 
+MergeSet domains(Size size) { return size == Size::real ? MergeSet{8, 10, 50} : MergeSet{3, 2, 16}; }
+
 template <class Set> Side side(const Program<Set>& program, Row::Kind kind, const Set& set)
 {
     const auto bind = [&set](typename Program<Set>::Task task) -> Side::Task {
@@ -54,6 +60,21 @@ template <class Set> Row row(std::string name, Row::Kind kind, const Set& set)
 {
     return {std::move(name), kind,       side(Programs<Set>::ours, kind, set), side(Programs<Set>::raw, kind, set),
             usual_hold,      noise_bytes};
+}
+
+Row merge_row(std::string name, Size size, Program<MergeSet>::Task raw, double hold, bool same_values)
+{
+    const MergeSet set = domains(size);
+    const auto bind = [&set](Program<MergeSet>::Task task) -> Side::Task {
+        return [set, task](const std::string& file, Digest* digest) { return task(set, file, digest); };
+    };
+    return {std::move(name),
+            Row::Kind::merge,
+            {bind(write_domains), bind(merge_ours)},
+            {bind(write_domains), bind(raw)},
+            hold,
+            merging_bytes,
+            same_values};
 }
 
 } // namespace
@@ -76,6 +97,8 @@ std::vector<Row> rows(Size size)
         row("read a sparse matrix of 10^7", read, sparse(size)),
         row("write 10^6 hexahedra", write, hexahedra(size)),
         row("read 10^6 hexahedra", read, hexahedra(size)),
+        merge_row("merge 8 x 125,000, against a copy", size, copy_rows, copying_hold, false),
+        merge_row("merge 8 x 125,000, against a sort", size, merge_sorting, sorting_hold, true),
     };
 }
 

@@ -171,7 +171,7 @@ std::vector<std::string> differences(const std::string& first_file, const std::s
             continue;
         }
         if (other->second != text) {
-            lines.push_back(path + " differs");
+            lines.push_back(path + std::string{value_difference});
         }
         second.erase(other);
     }
