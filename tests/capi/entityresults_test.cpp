@@ -417,7 +417,8 @@ TEST(EntityResults, Another_access_mode_is_refused_when_the_values_are_due)
     const auto block = file.new_group("block");
     const Piece odd{3, {4, 3}, {0, 0}};
     EXPECT_EQ(results.write2({block}, 7, nullptr, odd), 0) << "no values, no mode";
-    for (const auto& [value_size, key] : {std::pair{8, "1000"}, std::pair{16, "1001"}}) {
+    for (const auto& [size, key] : {std::pair{8, "1000"}, std::pair{16, "1001"}}) {
+        const std::int32_t value_size = size; // clang lets no lambda take a binding
         EXPECT_EQ(
             reply_of([&] { return results.write2({block}, values_section, results.res.data(), odd, value_size); }),
             (Reply{-999, std::string{"KOB ERROR writing block key "} + key + " - invalid mode\n"}));
