@@ -359,7 +359,7 @@ void Reader::unknown_pass()
 {
     if (status_ >= 0) {
         report_error(message::reading_pass, kind_.key);
-        status_ = -3;
+        status_ = wrong_pass;
     }
 }
 

@@ -24,6 +24,10 @@
 
 namespace kob {
 
+// Statuses that readers and writers of several kinds share.
+constexpr std::int32_t wrong_pass = -3;
+constexpr std::int32_t invalid_mode = -999;
+
 /// One argument of a caller: a source for the Writer, a destination for the Reader.
 template <class Io, class T> class Arg {
 public:
@@ -473,7 +477,7 @@ std::int32_t read_passes_of_two_keys(Location block, const BlockKind& kind, cons
 {
     if (pass < (block.is_current() ? 0 : 1) || pass > 2) {
         report_error(message::reading_pass_of_two, kind.key, kind.complex_key);
-        return -3;
+        return wrong_pass;
     }
     Reader io{block, kind};
     attributes(io, b);

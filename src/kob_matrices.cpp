@@ -6,9 +6,6 @@
 namespace kob {
 namespace {
 
-constexpr std::int32_t invalid_mode = -999;
-constexpr std::int32_t wrong_pass = -3;
-
 /// What a matrix belongs to.
 template <class Io> struct MatrixOwner {
     Arg<Io, char> etyp;

@@ -9,8 +9,6 @@
 namespace kob {
 namespace {
 
-constexpr std::int32_t invalid_mode = -999;
-
 /// Per-entity parameters of one entity type in one zone.
 template <class Io> struct Properties {
     Arg<Io, char> etyp;

@@ -7,8 +7,6 @@
 namespace kob {
 
 constexpr std::int32_t wrong_frame_switch = -123;
-constexpr std::int32_t invalid_mode = -999;
-constexpr std::int32_t wrong_pass = -3;
 
 /// The sections that a pass of the entity results readers stands for; 0 for a pass that there is not.
 constexpr std::int32_t sections_of_pass(std::int32_t pass, Generation generation)
