@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Typed datasets: whole, a block of a hyperslab, or a list of points.
+#include "kob_chunk_transfer.hpp"
 #include "kob_message.hpp"
 #include "kob_storage_codes.hpp"
 #include "kob_storage_filters.hpp"
 #include "kob_storage_types.hpp"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 namespace kob {
@@ -58,6 +60,15 @@ public:
             return place_points(extents, maximum, outside);
         }
         return true;
+    }
+
+    /// The block that is transferred, no extents for the whole dataset; nothing for points.
+    [[nodiscard]] std::optional<Block> block() const
+    {
+        if (mode_ == access_mode::points) {
+            return {};
+        }
+        return mode_ == access_mode::block ? Block{{first_.data(), rank_}, {count_.data(), rank_}} : Block{};
     }
 
     /// The dataspace in the file with the selection made in it.
@@ -135,6 +146,9 @@ private:
     const std::int64_t* coordinates_ = nullptr;
     std::vector<hsize_t> placed_;
 };
+
+/// What HDF5 would have returned for chunks that were transferred without it.
+herr_t chunk_result(ChunkTransfer chunks) { return chunks == ChunkTransfer::done ? 0 : -1; }
 
 /// The arguments of one dataset write.
 struct DatasetCall {
@@ -241,6 +255,7 @@ private:
         }
         elements_ = product(extents);
         leading_extent_ = shape.extents[0];
+        is_filtered_ = may_have_filters(dataset_.get());
         return 0;
     }
 
@@ -281,9 +296,10 @@ private:
         elements_ = product({extents.data(), used});
         leading_extent_ = extents[0];
         CreationProperties properties;
-        const LayoutRequest request{kob_type,     kob_size,  {extents.data(), used},
-                                    maximum,      elements_, filter_request(kob_type, filter_flags, elements_),
-                                    filter_params};
+        const FilterRequest filters = filter_request(kob_type, filter_flags, elements_);
+        is_filtered_ = filters.any();
+        const LayoutRequest request{kob_type,  kob_size, {extents.data(), used}, maximum,
+                                    elements_, filters,  filter_params};
         if (const Refusal refusal = creation_properties(request, ids, properties)) {
             return refuse(refusal.condition, refusal.quantity);
         }
@@ -319,8 +335,14 @@ private:
                 source = texts.data();
             }
         }
-        const herr_t result = H5Dwrite(dataset_.get(), transferred, mode == access_mode::whole ? H5S_ALL : memory.get(),
-                                       mode == access_mode::whole ? H5S_ALL : space_.get(), H5P_DEFAULT, source);
+        const auto block = is_filtered_ ? selection.block() : std::nullopt;
+        const ChunkTransfer chunks =
+            block ? write_chunks(dataset_.get(), transferred, *block, source) : ChunkTransfer::left;
+        const herr_t result =
+            chunks == ChunkTransfer::left
+                ? H5Dwrite(dataset_.get(), transferred, mode == access_mode::whole ? H5S_ALL : memory.get(),
+                           mode == access_mode::whole ? H5S_ALL : space_.get(), H5P_DEFAULT, source)
+                : chunk_result(chunks);
         if (result < 0) {
             return refuse(write, result);
         }
@@ -339,6 +361,7 @@ private:
     FileType stored_;
     hsize_t elements_ = 0;
     hsize_t leading_extent_ = 0;
+    bool is_filtered_ = false;
 };
 
 } // namespace
@@ -424,8 +447,13 @@ std::int32_t KOB_H5Dread(const char* name, void* data, std::int32_t kob_type, st
         }
     }
     const hid_t transferred = kob_type == type_code::text ? stored.get() : memory;
-    const herr_t result = H5Dread(dataset.get(), transferred, mode == access_mode::whole ? H5S_ALL : memory_space.get(),
-                                  mode == access_mode::whole ? H5S_ALL : space.get(), H5P_DEFAULT, data);
+    const auto block = may_have_filters(dataset.get()) ? chosen.block() : std::nullopt;
+    const ChunkTransfer chunks = block ? read_chunks(dataset.get(), transferred, *block, data) : ChunkTransfer::left;
+    const herr_t result =
+        chunks == ChunkTransfer::left
+            ? H5Dread(dataset.get(), transferred, mode == access_mode::whole ? H5S_ALL : memory_space.get(),
+                      mode == access_mode::whole ? H5S_ALL : space.get(), H5P_DEFAULT, data)
+            : chunk_result(chunks);
     if (result < 0) {
         return refuse(read, result);
     }

@@ -94,15 +94,6 @@ Refusal set_deflate(const LayoutRequest& request, hid_t properties)
     return result < 0 ? Refusal{deflate, result} : Refusal{};
 }
 
-/// Has the dataset's header a filter message? Most have none, and that is much quicker to learn than a property list.
-bool may_have_filters(hid_t dataset)
-{
-    constexpr unsigned filter_message = 11; // its number in HDF5's file format
-    H5O_native_info_t info{};
-    return H5Oget_native_info(dataset, &info, H5O_NATIVE_INFO_HDR) < 0 ||
-           (info.hdr.mesg.present & (std::uint64_t{1} << filter_message)) != 0;
-}
-
 } // namespace
 
 FilterBits filter_bits(std::int32_t kob_type) noexcept
@@ -177,6 +168,14 @@ Refusal creation_properties(const LayoutRequest& request, SharedIds& shared, Cre
         return set_deflate(request, properties.list);
     }
     return {};
+}
+
+bool may_have_filters(hid_t dataset) noexcept
+{
+    constexpr unsigned filter_message = 11; // its number in HDF5's file format
+    H5O_native_info_t info{};
+    return H5Oget_native_info(dataset, &info, H5O_NATIVE_INFO_HDR) < 0 ||
+           (info.hdr.mesg.present & (std::uint64_t{1} << filter_message)) != 0;
 }
 
 Refusal report_filters(hid_t dataset, std::int32_t kob_type, std::int32_t& filter_flags, std::int32_t* filter_params)

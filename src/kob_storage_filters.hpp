@@ -61,6 +61,9 @@ Refusal creation_properties(const LayoutRequest& request, SharedIds& shared, Cre
 /// Chunk extent of a fixed dimension of a growable dataset.
 hsize_t chunk_extent(hsize_t extent) noexcept;
 
+/// Has the dataset's header a filter message? Most have none, and that is much quicker to learn than a property list.
+bool may_have_filters(hid_t dataset) noexcept;
+
 /// The filters of a stored dataset as flags and parameters.
 Refusal report_filters(hid_t dataset, std::int32_t kob_type, std::int32_t& filter_flags, std::int32_t* filter_params);
 
