@@ -36,6 +36,28 @@ std::optional<double> status_bytes(const std::string& key)
     return {};
 }
 
+/// Brings the code of this program and its libraries into memory: it is nobody's working memory, and no work has to wait
+/// for it.
+void load_code()
+{
+    const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    unsigned char sum = 0;
+    std::ifstream maps{"/proc/self/maps"};
+    for (std::string line; std::getline(maps, line);) {
+        unsigned long first = 0;
+        unsigned long last = 0;
+        std::array<char, 5> access{};
+        if (std::sscanf(line.c_str(), "%lx-%lx %4s", &first, &last, access.data()) != 3 || access[0] != 'r' ||
+            access[1] == 'w' || line.find(" /") == std::string::npos) {
+            continue;
+        }
+        const volatile unsigned char* bytes = reinterpret_cast<const unsigned char*>(first); // NOLINT
+        for (std::size_t i = 0; i < last - first; i += page) {
+            sum = static_cast<unsigned char>(sum + bytes[i]);
+        }
+    }
+}
+
 /// Makes the peak start anew from what the process holds now.
 bool reset_peak()
 {
@@ -46,6 +68,7 @@ bool reset_peak()
 
 Sample time(const Work& work)
 {
+    load_code();
     const bool has_peak = reset_peak();
     const std::optional<double> before = status_bytes("VmRSS");
     Sample sample;

@@ -2,45 +2,11 @@
 // Domain files merged through the library.
 #include "merge.hpp"
 #include "ours.hpp"
+#include "silence.hpp"
 
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <cstdio>
 #include <memory>
 
 namespace bench {
-namespace {
-
-/// The merger tells what it does; here nobody listens.
-class Silence {
-public:
-    Silence()
-    {
-        std::fflush(nullptr);
-        const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
-        for (const int stream : {STDOUT_FILENO, STDERR_FILENO}) {
-            kept_[static_cast<std::size_t>(stream)] = dup(stream);
-            dup2(nowhere, stream);
-        }
-        close(nowhere);
-    }
-    ~Silence()
-    {
-        std::fflush(nullptr);
-        for (const int stream : {STDOUT_FILENO, STDERR_FILENO}) {
-            dup2(kept_[static_cast<std::size_t>(stream)], stream);
-            close(kept_[static_cast<std::size_t>(stream)]);
-        }
-    }
-    Silence(const Silence&) = delete;
-    Silence& operator=(const Silence&) = delete;
-
-private:
-    std::array<int, STDERR_FILENO + 1> kept_{};
-};
-
-} // namespace
 
 Work merge_ours(const MergeSet& set, const std::string& merged_file, Digest*)
 {
@@ -57,7 +23,7 @@ Work merge_ours(const MergeSet& set, const std::string& merged_file, Digest*)
         const std::int64_t no_domain_numbers = 4;
         std::int32_t status = 0;
         {
-            const Silence silence;
+            const Silence silence; // the merger tells what it does
             KOB_MERGE_DMP(groups.data(), merged.group(), &set.domains, &no_filters, no_params.data(), &no_exponents,
                           nullptr, nullptr, &no_domain_numbers, &float_size, &status);
         }

@@ -2,8 +2,11 @@
 // What our side of all kinds of work shares.
 #pragma once
 
+#include "results.hpp"
+
 #include <kob_dp.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdlib>
@@ -51,10 +54,25 @@ private:
 /// Ways to open a file.
 constexpr std::int32_t create = 0;
 constexpr std::int32_t read_only = 2;
+constexpr std::int32_t read_write = 1;
 
 /// Without filters.
 constexpr std::int32_t no_filters = 0;
 constexpr std::array<std::int32_t, 2> no_params{};
+
+/// Filters as the calls want them.
+struct FilterArguments {
+    explicit FilterArguments(const Packing& packing)
+    {
+        constexpr std::int32_t deflate_and_shuffle = 1 + 2 + 8 + 16; // of integers and floating-point numbers
+        constexpr std::int32_t scale_offset = 128;
+        flags = (packing.level > 0 ? deflate_and_shuffle : 0) + (packing.digits >= 0 ? scale_offset : 0);
+        params = {std::max(packing.digits, 0), packing.level};
+    }
+
+    std::int32_t flags;
+    std::array<std::int32_t, 2> params;
+};
 
 /// The group of a block, opened in its result set.
 class OpenBlock {

@@ -24,6 +24,31 @@ hid_t layout_for(hsize_t bytes)
     return properties;
 }
 
+hid_t layout_for(hsize_t bytes, std::initializer_list<hsize_t> extents, const Packing& packing, hid_t type)
+{
+    if (packing.level == 0) {
+        return layout_for(bytes);
+    }
+    const hid_t properties = must(H5Pcreate(H5P_DATASET_CREATE));
+    must(H5Pset_chunk(properties, static_cast<int>(extents.size()), extents.begin()));
+    pack(properties, packing, type);
+    return properties;
+}
+
+void pack(hid_t properties, const Packing& packing, hid_t type)
+{
+    if (packing.level == 0) {
+        return;
+    }
+    if (packing.digits >= 0 && must(H5Tget_class(type)) == H5T_FLOAT) {
+        const double never_written = 10000;
+        must(H5Pset_fill_value(properties, H5T_NATIVE_DOUBLE, &never_written));
+        must(H5Pset_scaleoffset(properties, H5Z_SO_FLOAT_DSCALE, packing.digits));
+    }
+    must(H5Pset_shuffle(properties));
+    must(H5Pset_deflate(properties, static_cast<unsigned>(packing.level)));
+}
+
 void read_attribute(hid_t group, const char* name, hid_t type, void* value)
 {
     const hid_t attribute = must(H5Aopen(group, name, H5P_DEFAULT));
@@ -121,14 +146,14 @@ void BlockWriter::dataset(hid_t group, const char* name, hid_t stored, hid_t spa
 }
 
 void BlockWriter::dataset(hid_t group, const char* name, hid_t type, std::initializer_list<hsize_t> extents,
-                          const void* values)
+                          const void* values, const Packing& packing)
 {
     hsize_t bytes = H5Tget_size(type);
     for (const hsize_t extent : extents) {
         bytes *= extent;
     }
     const hid_t space = must(H5Screate_simple(static_cast<int>(extents.size()), extents.begin(), nullptr));
-    const hid_t layout = layout_for(bytes);
+    const hid_t layout = layout_for(bytes, extents, packing, type);
     dataset(group, name, type, space, layout, type, values);
     H5Pclose(layout);
     H5Sclose(space);

@@ -4,6 +4,7 @@
 
 #include "must.hpp"
 #include "program.hpp"
+#include "results.hpp"
 
 #include <hdf5.h>
 
@@ -22,6 +23,12 @@ hid_t create_group(hid_t parent, const char* name, hid_t properties = H5P_DEFAUL
 
 /// Creation properties of a dataset of so many bytes: small ones lie in the object header.
 hid_t layout_for(hsize_t bytes);
+
+/// Creation properties of a table that is one chunk if it is packed; its values are real or integers.
+hid_t layout_for(hsize_t bytes, std::initializer_list<hsize_t> extents, const Packing& packing, hid_t type);
+
+/// Sets the filters of a chunked dataset.
+void pack(hid_t properties, const Packing& packing, hid_t type);
 
 void read_attribute(hid_t group, const char* name, hid_t type, void* value);
 void read_dataset(hid_t group, const char* name, hid_t memory, void* values);
@@ -89,7 +96,7 @@ public:
                         const void* values);
     /// A dataset that is the only one of its kind; stored as in memory.
     static void dataset(hid_t group, const char* name, hid_t type, std::initializer_list<hsize_t> extents,
-                        const void* values);
+                        const void* values, const Packing& packing = {});
     /// A single integer.
     void single(hid_t group, const char* name, const std::int32_t& value) const;
 

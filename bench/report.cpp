@@ -40,57 +40,85 @@ std::vector<double> cpu(const Runs& runs)
     return column(runs, [](const Sample& sample) { return sample.cpu; });
 }
 
-std::vector<double> wall(const Runs& runs)
-{
-    return column(runs, [](const Sample& sample) { return sample.wall; });
-}
-
 std::vector<double> memory(const Runs& runs)
 {
     return column(runs, [](const Sample& sample) { return sample.memory.value_or(std::nan("")); });
+}
+
+/// Half the distance between the quartiles.
+double half_spread(const std::vector<double>& values)
+{
+    return 0.5 * (quantile(values, 0.75) - quantile(values, 0.25));
+}
+
+std::string mark(const Result& result)
+{
+    if (const std::vector<std::string> missed = result.missed(); !missed.empty()) {
+        return fmt::format("MISSED: {}", fmt::join(missed, ", "));
+    }
+    return result.ratio() <= result.row.figures.dream ? "dream" : "held";
 }
 
 constexpr double mega = 1e6;
 
 } // namespace
 
-double Result::ratio() const { return median(cpu(ours)) / median(cpu(raw)); }
+double Runs::cpu() const { return median(bench::cpu(*this)); }
+
+double Runs::memory() const { return median(bench::memory(*this)); }
+
+double Runs::memory_noise() const { return half_spread(bench::memory(*this)); }
+
+double Result::ratio() const { return ours.cpu() / raw.cpu(); }
 
 double Result::noise() const
 {
-    std::vector<double> ratios = cpu(ours);
-    const std::vector<double> floor = cpu(raw);
+    std::vector<double> ratios = bench::cpu(ours);
+    const std::vector<double> floor = bench::cpu(raw);
     for (std::size_t i = 0; i < ratios.size(); ++i) {
         ratios[i] /= floor[i];
     }
-    return 0.5 * (quantile(ratios, 0.75) - quantile(ratios, 0.25));
+    return half_spread(ratios);
 }
 
-double Result::extra_memory() const { return median(memory(ours)) - median(memory(raw)); }
-
-bool Result::holds() const
+std::vector<std::string> Result::missed() const
 {
-    const double extra = extra_memory();
-    return ratio() - noise() <= row.hold && (std::isnan(extra) || extra <= row.extra_bytes);
+    std::vector<std::string> missed;
+    if (ratio() - noise() > row.figures.hold) {
+        missed.emplace_back("time");
+    }
+    if (growth && *growth * (1 - noise() / ratio()) > row.growth.hold) {
+        missed.emplace_back("growth");
+    }
+    if (ours.memory() - ours.memory_noise() > row.figures.memory) { // false where nothing was measured
+        missed.emplace_back("memory");
+    }
+    if (row.packed && ours.file_bytes > raw.file_bytes) {
+        missed.emplace_back("file");
+    }
+    return missed;
 }
 
 void print_head()
 {
-    fmt::print("{:<36}{:^17}{:^17}{:^22}{:^17}{:^17}\n", "", "CPU seconds", "wall seconds", "CPU ours / raw",
-               "memory MB", "file MB");
-    fmt::print("{:<36}", "");
-    fmt::print("{:>8} {:>8}{:>8} {:>8}{:>7} {:>7} {:>6}{:>8} {:>8}{:>8} {:>8}\n", "ours", "raw", "ours", "raw", "ratio",
-               "+-", "hold", "ours", "raw", "ours", "raw");
+    fmt::print("{:<36}{:^18}{:^31}{:^25}{:^17}\n", "", "CPU seconds", "CPU ours / raw", "memory MB", "file MB");
+    fmt::print("{:<36}{:>8} {:>8}  {:>7} {:>6} {:>6} {:>6}  {:>7} {:>7} {:>7}  {:>7} {:>7}\n", "", "ours", "raw",
+               "ratio", "+-", "hold", "dream", "ours", "most", "raw", "ours", "raw");
 }
 
 void print_line(const Result& result)
 {
-    fmt::print(
-        "{:<36}{:>8.3f} {:>8.3f}{:>8.3f} {:>8.3f}{:>7.3f} {:>7.3f} {:>6.2f}{:>8.1f} {:>8.1f}{:>8.1f} {:>8.1f}{}\n",
-        result.row.name, median(cpu(result.ours)), median(cpu(result.raw)), median(wall(result.ours)),
-        median(wall(result.raw)), result.ratio(), result.noise(), result.row.hold, median(memory(result.ours)) / mega,
-        median(memory(result.raw)) / mega, static_cast<double>(result.ours.file_bytes) / mega,
-        static_cast<double>(result.raw.file_bytes) / mega, result.holds() ? "" : "  MISSED");
+    const Figures& figures = result.row.figures;
+    fmt::print("{:<36}{:>8.3f} {:>8.3f}  {:>7.3f} {:>6.3f} {:>6.2f} {:>6.2f}  {:>7.1f} {:>7.1f} {:>7.1f}  {:>7.1f} "
+               "{:>7.1f}  {}\n",
+               result.row.name, result.ours.cpu(), result.raw.cpu(), result.ratio(), result.noise(), figures.hold,
+               figures.dream, result.ours.memory() / mega, figures.memory / mega, result.raw.memory() / mega,
+               static_cast<double>(result.ours.file_bytes) / mega, static_cast<double>(result.raw.file_bytes) / mega,
+               mark(result));
+    if (result.growth) {
+        fmt::print("    {:.2f} times our CPU of \"{}\", hold {:.2f}\n", *result.growth, result.row.growth.smaller,
+                   result.row.growth.hold);
+    }
     std::fflush(stdout);
 }
 
@@ -109,13 +137,23 @@ std::string json_text(const std::vector<Result>& results)
     };
     nlohmann::json document = nlohmann::json::array();
     for (const Result& result : results) {
-        document.push_back({{"work", result.row.name},
+        const Figures& figures = result.row.figures;
+        nlohmann::json line{{"work", result.row.name},
                             {"ours", runs(result.ours)},
                             {"raw", runs(result.raw)},
                             {"ratio", result.ratio()},
                             {"noise", result.noise()},
-                            {"hold", result.row.hold},
-                            {"holds", result.holds()}});
+                            {"hold", figures.hold},
+                            {"dream", figures.dream},
+                            {"memory_bytes", result.ours.memory()},
+                            {"memory_hold_bytes", figures.memory},
+                            {"file_hold", result.row.packed},
+                            {"missed", result.missed()}};
+        if (result.growth) {
+            line["growth"] = {
+                {"of", result.row.growth.smaller}, {"ratio", *result.growth}, {"hold", result.row.growth.hold}};
+        }
+        document.push_back(line);
     }
     return document.dump(2) + "\n";
 }

@@ -6,6 +6,7 @@
 #include "rows.hpp"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,17 +16,23 @@ namespace bench {
 struct Runs {
     std::vector<Sample> samples;
     std::uintmax_t file_bytes = 0; ///< of the file written or read
+
+    [[nodiscard]] double cpu() const;          ///< median, seconds
+    [[nodiscard]] double memory() const;       ///< median, bytes
+    [[nodiscard]] double memory_noise() const; ///< half the spread of the middle half
 };
 
 struct Result {
     Row row;
     Runs ours;
     Runs raw;
+    std::optional<double> growth; ///< our processor time, ratio to that of the smaller row
 
-    [[nodiscard]] double ratio() const;        ///< of the medians of processor time
-    [[nodiscard]] double noise() const;        ///< half the spread of the middle half of the ratios run by run
-    [[nodiscard]] double extra_memory() const; ///< bytes, medians: ours less plain HDF5's
-    [[nodiscard]] bool holds() const;          ///< within the figures to hold, or no further from them than the noise
+    [[nodiscard]] double ratio() const; ///< of the medians of processor time
+    [[nodiscard]] double noise() const; ///< half the spread of the middle half of the ratios run by run
+
+    /// The figures that are missed by more than the noise: "time", "growth", "memory", "file".
+    [[nodiscard]] std::vector<std::string> missed() const;
 };
 
 void print_head();

@@ -10,6 +10,12 @@
 
 namespace bench {
 
+/// How arrays are packed: not at all, or each in filters.
+struct Packing {
+    int level = 0;   ///< of deflate, behind a byte shuffle; 0: arrays lie in the file as they are
+    int digits = -1; ///< decimal digits of the values that scale-offset keeps, before those two; negative: no such step
+};
+
 /// A file of entity results: every variable in every state, all of one size.
 struct ResultSet {
     std::int32_t states = 0;
@@ -17,9 +23,11 @@ struct ResultSet {
     std::int32_t nent = 0;
     std::int32_t ncoo = 0;
     std::int32_t value_size = 8; ///< bytes of a stored value
+    Packing packing{};
 };
 
 /// What a caller holds of one block; the arrays serve all blocks, the values of each state differ in their first row.
+/// The values are such as a solver computes: see smooth_field().
 struct Block {
     explicit Block(const ResultSet& set);
     void select(const ResultSet& set, std::int32_t state, std::size_t variable);
@@ -41,6 +49,10 @@ struct Block {
     std::vector<std::int32_t> entid;
     std::vector<double> res;
 };
+
+/// Values at nodes that fill a cube: waves along its axes, another one in each component, up to 10 high, with a solver's
+/// noise of 0.00001 on them.
+std::vector<double> smooth_field(std::int32_t nent, std::int32_t ncoo);
 
 /// Where the blocks of a state are, below the group of the result set, as "singlestate/state000000000012/...".
 std::string state_path(std::int32_t state);

@@ -15,6 +15,7 @@ Work write(const ResultSet& set, const std::string& file, Digest*)
         Block& b = *block;
         const File results{file, create};
         const std::int32_t no_set = -1;
+        const FilterArguments filters{set.packing};
         for (std::int32_t state = 0; state < set.states; ++state) {
             for (std::size_t variable = 0; variable < set.variables.size(); ++variable) {
                 b.select(set, state, variable);
@@ -22,8 +23,8 @@ Work write(const ResultSet& set, const std::string& file, Digest*)
                 KOB_WRITE_ENTITYRESULTS(results.group(), b.etyp.data(), &b.nent, b.etypvar.data(), &b.ncoo,
                                         b.etypzone.data(), &b.zoneid, b.etypframe.data(), &b.fswitch, &b.dmpswitch,
                                         &b.nindex, &b.indexic, &b.indexident, &b.indexval, b.entid.data(), &b.fidglob,
-                                        nullptr, nullptr, nullptr, b.res.data(), &no_set, &state, &no_filters,
-                                        no_params.data(), &set.value_size, &status);
+                                        nullptr, nullptr, nullptr, b.res.data(), &no_set, &state, &filters.flags,
+                                        filters.params.data(), &set.value_size, &status);
                 check(status, "KOB_WRITE_ENTITYRESULTS");
             }
         }

@@ -18,8 +18,9 @@ public:
         index_ = must(H5Screate_simple(1, &one, nullptr));
         rows_ = must(H5Screate_simple(1, table.data(), nullptr));
         table_ = must(H5Screate_simple(2, table.data(), nullptr));
-        row_layout_ = layout_for(4 * table[0]);
-        table_layout_ = layout_for(table[0] * table[1] * static_cast<hsize_t>(set.value_size));
+        row_layout_ = layout_for(4 * table[0], {table[0]}, set.packing, H5T_NATIVE_INT);
+        table_layout_ = layout_for(table[0] * table[1] * static_cast<hsize_t>(set.value_size), {table[0], table[1]},
+                                   set.packing, real_);
     }
     ~ResultWriter()
     {

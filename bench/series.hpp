@@ -8,8 +8,9 @@ namespace bench {
 
 struct SeriesSet {
     std::int32_t states = 0;
-    std::int32_t nent = 0; ///< a multiple of the 1,000 rows that a chunk then has
+    std::int32_t nent = 0; ///< below 1,000, or a multiple of the 1,000 rows that a chunk then has
     std::int32_t ncoo = 0;
+    Packing packing{};
 };
 
 /// What a caller holds of the series: the state at hand, as of entity results of one state.

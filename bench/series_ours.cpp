@@ -15,6 +15,7 @@ Work append(const SeriesSet& set, const std::string& file, Digest*)
         const File results{file, create};
         const std::int32_t no_set = -1;
         const std::int32_t eight_bytes = 8;
+        const FilterArguments filters{set.packing};
         for (std::int32_t step = 0; step < set.states; ++step) {
             s.select(step);
             const std::int32_t row = step == 0 ? 1 : -step; // a run of one state, then single states
@@ -23,7 +24,7 @@ Work append(const SeriesSet& set, const std::string& file, Digest*)
                                          &s.ncoo, s.etypzone.data(), &s.zoneid, s.etypframe.data(), &s.fswitch,
                                          &s.dmpswitch, &s.nindex, &s.indexident, &s.indexval, s.entid.data(),
                                          &s.fidglob, nullptr, nullptr, nullptr, s.res.data(), &no_set, &row,
-                                         &no_filters, no_params.data(), &eight_bytes, &status);
+                                         &filters.flags, filters.params.data(), &eight_bytes, &status);
             check(status, "KOB_WRITE_MULTIENTITYRESULTS");
         }
     };

@@ -16,7 +16,8 @@ constexpr int largest_rank = 3;
 /// A dataset with a row for each state. Its spaces and properties live as long as the file is written.
 class StateRows {
 public:
-    StateRows(const char* name, hid_t type, std::initializer_list<hsize_t> row) : name_{name}, type_{type}
+    StateRows(const char* name, hid_t type, std::initializer_list<hsize_t> row, const Packing& packing = {})
+        : name_{name}, type_{type}
     {
         std::array<hsize_t, largest_rank> chunk{1};
         std::array<hsize_t, largest_rank> maximum{H5S_UNLIMITED};
@@ -30,6 +31,7 @@ public:
         file_ = must(H5Screate_simple(rank_, extents_.data(), maximum.data()));
         chunked_ = must(H5Pcreate(H5P_DATASET_CREATE));
         must(H5Pset_chunk(chunked_, rank_, chunk.data()));
+        pack(chunked_, packing, type);
     }
     ~StateRows()
     {
@@ -70,7 +72,7 @@ private:
     hid_t chunked_ = H5I_INVALID_HID;
 };
 
-void write_static_part(const BlockWriter& to, hid_t group, const State& s)
+void write_static_part(const BlockWriter& to, hid_t group, const State& s, const Packing& packing)
 {
     to.frame(group, 1050);
     to.text(group, "series", s.series);
@@ -84,7 +86,7 @@ void write_static_part(const BlockWriter& to, hid_t group, const State& s)
     to.integer(group, "fswitch", s.fswitch);
     to.integer(group, "dmpswitch", s.dmpswitch);
     to.integer(group, "nindex", s.nindex);
-    to.dataset(group, "entid", H5T_NATIVE_INT, {s.entid.size()}, s.entid.data());
+    to.dataset(group, "entid", H5T_NATIVE_INT, {s.entid.size()}, s.entid.data(), packing);
     to.single(group, "fidglob", s.fidglob);
 }
 
@@ -106,11 +108,12 @@ Work append(const SeriesSet& set, const std::string& file_name, Digest*)
         const BlockWriter to{"multientityresults"};
         StateRows indexident{"indexident", H5T_NATIVE_INT, {1}};
         StateRows indexval{"indexval", H5T_NATIVE_DOUBLE, {1}};
-        StateRows res{"res", H5T_NATIVE_DOUBLE, {static_cast<hsize_t>(set.nent), static_cast<hsize_t>(set.ncoo)}};
+        StateRows res{
+            "res", H5T_NATIVE_DOUBLE, {static_cast<hsize_t>(set.nent), static_cast<hsize_t>(set.ncoo)}, set.packing};
         for (std::int32_t step = 0; step < set.states; ++step) {
             s.select(step);
             if (step == 0) {
-                write_static_part(to, group, s);
+                write_static_part(to, group, s, set.packing);
             }
             indexident.append(group, step, &s.indexident);
             indexval.append(group, step, &s.indexval);
