@@ -14,9 +14,13 @@ public:
     Converter(hid_t from, hid_t to);
 
     [[nodiscard]] bool is_copy() const { return way_ == Way::copy; }
+    /// From native floating numbers to those of the other size?
+    [[nodiscard]] bool resizes_reals() const { return way_ == Way::narrow || way_ == Way::widen; }
 
     /// Source and target are apart. False when HDF5 cannot convert.
     bool convert(const std::byte* source, std::size_t elements, std::byte* target) const;
+    /// For a target that is larger than the processor's cache.
+    bool convert_past_cache(const std::byte* source, std::size_t elements, std::byte* target) const;
 
 private:
     enum class Way { copy, narrow, widen, general };

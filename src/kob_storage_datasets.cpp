@@ -3,6 +3,7 @@
 #include "kob_chunk_transfer.hpp"
 #include "kob_message.hpp"
 #include "kob_storage_codes.hpp"
+#include "kob_storage_convert.hpp"
 #include "kob_storage_filters.hpp"
 #include "kob_storage_types.hpp"
 
@@ -338,11 +339,10 @@ private:
         const auto block = is_filtered_ ? selection.block() : std::nullopt;
         const ChunkTransfer chunks =
             block ? write_chunks(dataset_.get(), transferred, *block, source) : ChunkTransfer::left;
-        const herr_t result =
-            chunks == ChunkTransfer::left
-                ? H5Dwrite(dataset_.get(), transferred, mode == access_mode::whole ? H5S_ALL : memory.get(),
-                           mode == access_mode::whole ? H5S_ALL : space_.get(), H5P_DEFAULT, source)
-                : chunk_result(chunks);
+        const herr_t result = chunks != ChunkTransfer::left ? chunk_result(chunks)
+                              : mode == access_mode::whole  ? write_whole(transferred, source)
+                                                            : H5Dwrite(dataset_.get(), transferred, memory.get(),
+                                                                       space_.get(), H5P_DEFAULT, source);
         if (result < 0) {
             return refuse(write, result);
         }
@@ -351,6 +351,12 @@ private:
             return refuse(write, closed);
         }
         return 0;
+    }
+
+    [[nodiscard]] herr_t write_whole(hid_t transferred, const void* source) const
+    {
+        const auto converted = write_converted(dataset_.get(), stored_.type, transferred, source);
+        return converted ? *converted : H5Dwrite(dataset_.get(), transferred, H5S_ALL, H5S_ALL, H5P_DEFAULT, source);
     }
 
     H5T_class_t type_class_{};
@@ -363,6 +369,12 @@ private:
     hsize_t leading_extent_ = 0;
     bool is_filtered_ = false;
 };
+
+herr_t read_whole(hid_t dataset, hid_t stored, hid_t transferred, void* data)
+{
+    const auto converted = read_converted(dataset, stored, transferred, data);
+    return converted ? *converted : H5Dread(dataset, transferred, H5S_ALL, H5S_ALL, H5P_DEFAULT, data);
+}
 
 } // namespace
 
@@ -449,11 +461,10 @@ std::int32_t KOB_H5Dread(const char* name, void* data, std::int32_t kob_type, st
     const hid_t transferred = kob_type == type_code::text ? stored.get() : memory;
     const auto block = may_have_filters(dataset.get()) ? chosen.block() : std::nullopt;
     const ChunkTransfer chunks = block ? read_chunks(dataset.get(), transferred, *block, data) : ChunkTransfer::left;
-    const herr_t result =
-        chunks == ChunkTransfer::left
-            ? H5Dread(dataset.get(), transferred, mode == access_mode::whole ? H5S_ALL : memory_space.get(),
-                      mode == access_mode::whole ? H5S_ALL : space.get(), H5P_DEFAULT, data)
-            : chunk_result(chunks);
+    const herr_t result = chunks != ChunkTransfer::left ? chunk_result(chunks)
+                          : mode == access_mode::whole
+                              ? read_whole(dataset.get(), stored.get(), transferred, data)
+                              : H5Dread(dataset.get(), transferred, memory_space.get(), space.get(), H5P_DEFAULT, data);
     if (result < 0) {
         return refuse(read, result);
     }
