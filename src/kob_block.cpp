@@ -409,6 +409,16 @@ Placed place_block(Location parent, const BlockPath& path)
     return {std::move(opened.group), opened.status, parent.generation};
 }
 
+std::int32_t refuse_group(Location block, const BlockKind& kind, std::int32_t key)
+{
+    if (block.is_current()) {
+        report_error(message::writing_name, kind.name);
+    } else {
+        report_error(message::writing_key, key);
+    }
+    return static_cast<std::int32_t>(block.group);
+}
+
 Validity validity_of(const StateIndex<Writer>& index, const std::int32_t* state)
 {
     return {*index.nindex, index.indexident.get(), value(state)};

@@ -301,6 +301,9 @@ struct Placed {
 };
 Placed place_block(Location parent, const BlockPath& path);
 
+/// Refuses a block group that is none: the handle is the status. In the older layout the line names the key.
+std::int32_t refuse_group(Location block, const BlockKind& kind, std::int32_t key);
+
 /// Walks all items of a block but its frame, in the order of the layout.
 template <class Block> void write_items(Writer& io, const Block& b)
 {
@@ -354,8 +357,7 @@ std::int32_t write_open_block(Location parent, const BlockKind& kind, const Bloc
         return placed.status;
     }
     if (!placed.group) {
-        report_error(message::writing_name, kind.name);
-        return static_cast<std::int32_t>(placed.group.get());
+        return refuse_group(placed.location(), kind, kind.key);
     }
     Writer io{placed.location(), filters, float_size, placed.place()};
     describe(io, placed);
@@ -394,6 +396,18 @@ template <class Io> void values(Io& io, const StateIndex<Io>& index)
         io.integers("indexident", index.indexident, {*index.nindex});
         io.exact_reals("indexval", index.indexval.get(), {*index.nindex});
         io.enter(Where::data);
+    }
+}
+
+/// Reads state index and values in the order of the layout: the older one has the index last.
+template <class Index, class Values> void read_in_order(const Reader& io, Index&& read_index, Values&& read_values)
+{
+    if (io.is_current()) {
+        read_index();
+        read_values();
+    } else {
+        read_values();
+        read_index();
     }
 }
 

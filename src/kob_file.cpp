@@ -74,20 +74,24 @@ constexpr std::int32_t create_empty = 8;
 constexpr std::int32_t create_or_open = 13;
 
 /// Access properties of every file: HDF5's defaults but for the metadata cache. Left alone, it grows with a file of
-/// many blocks to hundreds of megabytes, and gets slower as it grows; blocks are visited once, so little is worth keeping.
+/// many blocks to hundreds of megabytes, and gets slower as it grows; blocks are visited once, so little is worth
+/// keeping. What is worth it are the names in a group of many states: one entry, for which the cache makes room.
 Id access_properties()
 {
-    constexpr std::size_t cache_size = std::size_t{1} << 20;
+    constexpr std::size_t usual_size = std::size_t{128} << 10;
+    constexpr std::size_t largest_size = std::size_t{64} << 20;
     Id properties{H5Pcreate(H5P_FILE_ACCESS), H5Pclose};
     H5AC_cache_config_t cache{};
     cache.version = H5AC__CURR_CACHE_CONFIG_VERSION;
     if (H5Pget_mdc_config(properties.get(), &cache) >= 0) {
         cache.set_initial_size = true;
-        cache.initial_size = cache_size;
-        cache.min_size = cache_size;
-        cache.max_size = cache_size;
+        cache.initial_size = usual_size;
+        cache.min_size = usual_size;
+        cache.max_size = largest_size;
         cache.incr_mode = H5C_incr__off;
-        cache.flash_incr_mode = H5C_flash_incr__off;
+        cache.flash_incr_mode = H5C_flash_incr__add_space;
+        cache.flash_threshold = 0.25; // of the cache: the entry is a large one
+        cache.flash_multiple = 1.5;   // of what the entry lacks: the others keep theirs
         cache.decr_mode = H5C_decr__off;
         H5Pset_mdc_config(properties.get(), &cache);
     }

@@ -129,12 +129,11 @@ std::int32_t write_matrix(Location group, const BlockKind& kind, const Matrix& b
     if (placed.status < 0) {
         return placed.status;
     }
-    if (!placed.group) {
-        report_error(message::writing_name, kind.name);
-        return static_cast<std::int32_t>(placed.group.get());
-    }
     const ValueSize size = value_size_of(value_size);
     const std::int32_t key = kind.key_of(size.complex);
+    if (!placed.group) {
+        return refuse_group(placed.location(), kind, key);
+    }
     Writer io{placed.location(), filters, size.stored, placed.place()};
     if (placed.is_new()) {
         io.frame(kind, key);
@@ -164,12 +163,19 @@ std::int32_t read_matrix(Location block, const BlockKind& kind, const Matrix& b,
     if (pass <= 2) {
         attributes(io, b);
     }
-    if (pass == 0 || pass == 2) {
-        values(io, b.index);
-    }
+    const auto read_index = [&] {
+        if (pass == 0 || pass == 2) {
+            values(io, b.index);
+        }
+    };
+    const auto read_values = [&] {
+        if (pass >= 2) {
+            structure(io, b);
+            values(io, b, io.is_complex(), pass == 2 ? Part{} : Part{pass - 2, count, start});
+        }
+    };
+    read_in_order(io, read_index, read_values);
     if (pass >= 2) {
-        structure(io, b);
-        values(io, b, io.is_complex(), pass == 2 ? Part{} : Part{pass - 2, count, start});
         io.report_filters("val", filter_flags, filter_params);
     }
     io.key_as_status();

@@ -202,15 +202,15 @@ std::int32_t write_series(Location block, const MultiEntityResults<Writer>& b, c
     if (request.mode == access_mode::whole && refuse_negative(request.state, kind)) {
         return invalid_mode;
     }
-    if (block.group < 0) {
-        report_error(message::writing_name, kind.name);
-        return static_cast<std::int32_t>(block.group);
-    }
     const ValueSize size = value_size_of(value_size);
+    const std::int32_t key = kind.key_of(size.complex);
+    if (block.group < 0) {
+        return refuse_group(block, kind, key);
+    }
     Writer io{block, filters, size.stored, place};
     const bool is_new = place == Place::fresh || !has_link(io.place(Where::data), "entid");
     if (is_new) {
-        io.frame(kind, kind.key_of(size.complex));
+        io.frame(kind, key);
         attributes(io, b);
         if (io.ok()) {
             identifiers(io, b.table);
@@ -323,13 +323,18 @@ std::int32_t read_series(Reader& io, std::int32_t sections, const MultiEntityRes
         }
         sections &= ~(section::state_index | section::values);
     }
-    if (io.ok() && section::has(sections, section::state_index) && *b.index.nindex > 0) {
-        selected_rows(io, b, part);
-    }
-    if (io.ok() && section::has(sections, section::identifiers)) {
-        identifiers(io, b.table);
-    }
-    if (io.ok() && section::has(sections, section::values)) {
+    const auto read_index = [&] {
+        if (io.ok() && section::has(sections, section::state_index) && *b.index.nindex > 0) {
+            selected_rows(io, b, part);
+        }
+    };
+    const auto read_values = [&] {
+        if (io.ok() && section::has(sections, section::identifiers)) {
+            identifiers(io, b.table);
+        }
+        if (!io.ok() || !section::has(sections, section::values)) {
+            return;
+        }
         if (part.is_whole()) {
             Shape shape{*b.index.nstate, *b.table.nent, *b.table.ncoo};
             if (io.is_complex()) {
@@ -339,6 +344,9 @@ std::int32_t read_series(Reader& io, std::int32_t sections, const MultiEntityRes
         } else {
             io.reals("res", b.res, Shape::of_rank(io.is_complex() ? 4 : 3), part);
         }
+    };
+    read_in_order(io, read_index, read_values);
+    if (section::has(sections, section::values)) {
         io.report_filters("res", filter_flags, filter_params);
     }
     io.key_as_status();

@@ -55,12 +55,11 @@ std::int32_t write_sections(Location block, const std::int64_t* groups, std::int
                             const EntityResults<Writer>& b, const Filters& filters, std::int32_t value_size,
                             const Part& part, Place place)
 {
-    if (block.group < 0) {
-        report_error(message::writing_name, kind::entity_results.name);
-        return static_cast<std::int32_t>(block.group);
-    }
     const ValueSize size = value_size_of(value_size);
     const std::int32_t key = kind::entity_results.key_of(size.complex);
+    if (block.group < 0) {
+        return refuse_group(block, kind::entity_results, key);
+    }
     Writer io{block, filters, size.stored, place};
     if (section::has(sections, section::attributes)) {
         io.frame(kind::entity_results, key);
@@ -120,20 +119,27 @@ std::int32_t read_result_sections(Location block, std::int32_t sections, const E
     if (section::has(sections, section::attributes)) {
         attributes(io, b);
     }
-    if (io.ok() && section::has(sections, section::state_index)) {
-        values(io, b.index);
-    }
-    if (io.ok() && section::has(sections, section::identifiers)) {
-        identifiers(io, b.table);
-    }
-    if (io.ok() && section::has(sections, section::values)) {
-        if (part.is_known()) {
-            values(io, b, io.is_complex(), part);
-            io.report_filters("res", filter_flags, filter_params);
-        } else {
-            report_error(message::reading_invalid_mode, io.key());
-            io.fail(invalid_mode);
+    const auto read_index = [&] {
+        if (io.ok() && section::has(sections, section::state_index)) {
+            values(io, b.index);
         }
+    };
+    const auto read_values = [&] {
+        if (io.ok() && section::has(sections, section::identifiers)) {
+            identifiers(io, b.table);
+        }
+        if (io.ok() && section::has(sections, section::values)) {
+            if (part.is_known()) {
+                values(io, b, io.is_complex(), part);
+            } else {
+                report_error(message::reading_invalid_mode, io.key());
+                io.fail(invalid_mode);
+            }
+        }
+    };
+    read_in_order(io, read_index, read_values);
+    if (section::has(sections, section::values)) {
+        io.report_filters("res", filter_flags, filter_params);
     }
     io.key_as_status();
     return io.status();

@@ -106,6 +106,15 @@ TYPED_TEST(OlderBlock, Without_index)
     }
 }
 
+TYPED_TEST(OlderBlock, Data_are_read_before_the_index)
+{
+    const auto group = this->put();
+    H5Ldelete(group, "data", H5P_DEFAULT);
+    if (TypeParam::is_state) H5Ldelete(group, "index", H5P_DEFAULT);
+    auto read = untouched(this->block);
+    EXPECT_EQ(read.read(group, 2), (Outcome{-1, "KOB ERROR - data not found\n"}));
+}
+
 TYPED_TEST(OlderBlock, A_wrong_key_is_refused)
 {
     const auto group = this->put();

@@ -185,14 +185,57 @@ bool is_named_anywhere(hid_t group, const std::string& name)
 
 TEST(OlderFile, The_version_is_1_2_0)
 {
-    for (const auto& [selector, text] : std::vector<std::pair<std::int32_t, std::string>>{
-             {4, "KOB-1.2.0"}, {6, "HDF5-1.14.6 KOB-1.2.0"}, {0, "kob__dp HDF5-1.14.6 KOB-1.2.0"}}) {
-        Text256 found;
-        const std::int32_t verbose = 0;
-        std::int32_t status = 77;
-        KOB1_GET_VERSION(found.data(), &selector, &verbose, &status);
-        EXPECT_EQ(status, 0);
-        EXPECT_EQ(found.text(), text);
+    for (const auto& [selector, text] :
+         std::vector<std::pair<std::int32_t, std::string>>{{1, "kob__dp"},
+                                                           {2, "HDF5-1.14.6"},
+                                                           {4, "KOB-1.2.0"},
+                                                           {6, "HDF5-1.14.6 KOB-1.2.0"},
+                                                           {0, "kob__dp HDF5-1.14.6 KOB-1.2.0"}}) {
+        for (const std::int32_t verbose : {0, 1}) {
+            Text256 found;
+            std::int32_t status = 77;
+            const std::int32_t wanted = selector; // a binding cannot be captured
+            const auto out = output_of([&] { KOB1_GET_VERSION(found.data(), &wanted, &verbose, &status); });
+            EXPECT_EQ(status, 0);
+            EXPECT_EQ(found.text(), text);
+            EXPECT_EQ(out, verbose == 0 ? ""
+                                        : "\nKOB INFO - hdf5-lib version: 1.14.6\n"
+                                          "           KOB      version: 1.2.0\n"
+                                          "           KOB      BuildID: kob__dp\n");
+        }
+    }
+}
+
+TEST(OlderFile, Blocks_have_the_paths_of_the_current_layout)
+{
+    struct Place {
+        std::int32_t mask, nstate, state, number, set;
+        const char* path;
+    };
+    const std::int32_t create = 0;
+    const std::int32_t open_only = 1;
+    const std::vector<std::int32_t> states{7, 8};
+    const Text256 one{"one"}, two{"two"}, three{"three"}, four{"four"}, five{"five"};
+    for (const Place& place : std::vector<Place>{
+             {1, 0, -1, -1, -1, "constant/one"},
+             {3, 1, 12, -1, -1, "singlestate/state000000000012/one/two"},
+             {6, 2, -1, 4, -1, "singlestate/state000000000008/state000000000007/two/three4"},
+             {31, -1, -1, 0, 12, "multistate/one/two/three/four/five0_set12"},
+             {9, 0, -1, -1, 3, "constant/one/four_set3"},
+         }) {
+        const KobFile file;
+        const auto open = [&](decltype(&KOB1_OPENAUTOPATH) call, const std::int32_t* ioflag) {
+            std::int64_t block = -1;
+            std::int32_t status = 77;
+            call(file.address(), &place.mask, nullptr, ioflag, &place.nstate, states.data(), &place.state, one.data(),
+                 two.data(), three.data(), four.data(), five.data(), &place.number, &place.set, &block, &status);
+            return status;
+        };
+        EXPECT_EQ(open(KOB1_OPENAUTOPATH, &open_only), -1) << place.path;
+        EXPECT_GT(open(KOB1_OPENAUTOPATH, &create), 0) << place.path;
+        EXPECT_EQ(open(KOB1_OPENAUTOPATH, &create), 0) << place.path;
+        EXPECT_EQ(open(KOB_OPENAUTOPATH, &open_only), 0) << place.path;
+        file.block(place.path + std::string{"/kobblock"});
     }
 }
 
@@ -593,6 +636,47 @@ TEST(OlderEraser, A_file_of_another_version_is_left_alone)
     EXPECT_EQ(erased.status, 0);
     EXPECT_EQ(erased.err, "KOB ERROR - incompatible file - KOB version: 2.2.16\n");
     EXPECT_TRUE(kob_test::has_link(file.handle(), "singlestate"));
+}
+
+TEST(OlderEraser, Any_version_1_is_taken)
+{
+    const KobFile file;
+    prepare(file);
+    {
+        const auto group = open_group(file.handle(), "kobheader");
+        const Hid text = text_type(64);
+        std::string stored = stored_text(group, "kobheader");
+        stored.replace(8, 5, "1 0 9");
+        const Hid data{H5Dopen2(group, "kobheader", H5P_DEFAULT)};
+        ASSERT_GE(H5Dwrite(data, text, H5S_ALL, H5S_ALL, H5P_DEFAULT, stored.data()), 0);
+    }
+    write_state(file, {7});
+    const auto erased = erase(file, {5}, 1);
+    EXPECT_EQ(erased.status, 0);
+    EXPECT_THAT(erased.out, HasSubstr("KOB INFO - compatibility check OK - KOB version: 1.0.9\n"));
+    EXPECT_FALSE(kob_test::has_link(file.handle(), "singlestate"));
+}
+
+TEST(OlderEraser, A_series_needs_no_number_of_states)
+{
+    for (const std::int32_t states : {1, 3}) {
+        const KobFile file;
+        prepare(file);
+        older::MultiEntityResults b{states}; // identifiers 10, 20, 30
+        older::MultiActivFlags flags{states};
+        expect_fine(b.write(file.handle()));
+        expect_fine(flags.write(file.handle()));
+        H5Adelete_by_name(file.block(b.path()), "header", "nstate", H5P_DEFAULT);
+        H5Adelete_by_name(file.block(flags.path()), "header", "nstate", H5P_DEFAULT);
+        EXPECT_EQ(erase(file, {19}).status, 0);
+        EXPECT_EQ(stored_extents(file.block(b.path()), "data/res").front(), 1U);
+        EXPECT_EQ(erase(file, {9}).status, 0);
+        EXPECT_THAT(list(file.handle(), kob1_lookup).entries,
+                    testing::Contains(Entry{2150, older::MultiActivFlags::path()}))
+            << "flags are no results of one state";
+        EXPECT_THAT(list(file.handle(), kob1_lookup).entries,
+                    testing::Not(testing::Contains(Entry{1050, older::MultiEntityResults::path()})));
+    }
 }
 
 TEST(OlderEraser, The_current_eraser_leaves_an_older_file_alone)

@@ -85,6 +85,59 @@ TEST(OlderEntityResults, Pieces_are_written_and_read)
     EXPECT_EQ(read.read2(group, section::values), (Outcome{-999, "KOB ERROR reading block key 1000 - invalid mode\n"}));
 }
 
+TEST(OlderEntityResults, A_group_that_is_none_is_told_with_the_key)
+{
+    older::EntityResults b;
+    EXPECT_EQ(b.write2(-5, section::all), (Outcome{-5, "KOB ERROR writing block key 1000\n"}));
+    b.value_size = 32;
+    EXPECT_EQ(b.write2(-1, section::all), (Outcome{-1, "KOB ERROR writing block key 1001\n"}));
+    std::int32_t states = 77;
+    older::MultiEntityResults series{2};
+    EXPECT_EQ(series.write2(-5, 8, states), (Outcome{-5, "KOB ERROR writing block key 1050\n"}));
+    EXPECT_EQ(states, 0);
+    series.value_size = 16;
+    EXPECT_EQ(series.write2(-5, 8, states), (Outcome{-5, "KOB ERROR writing block key 1051\n"}));
+}
+
+TEST(OlderEntityResults, Each_generation_refuses_the_others_blocks_in_every_reader)
+{
+    const KobFile file;
+    older::EntityResults b;
+    older::MultiEntityResults series{2};
+    expect_fine(b.write(file.handle()));
+    expect_fine(series.write(file.handle()));
+    const auto table = file.block(b.path());
+    const auto states = file.block(series.path());
+    const std::string no_key = missing_attribute("block", 2, 4);
+    const auto current = [&](auto&& call) { return outcome_of([&](std::int32_t* status) { call(status); }); };
+    const std::int32_t all = section::all, memory_size = 8, mode = 0, pass = 2;
+    EXPECT_EQ(current([&](std::int32_t* status) {
+                  KOB_READ_ENTITYRESULTS2(&table, &all, nullptr, b.etyp.data(), &b.nent, b.etypvar.data(), &b.ncoo,
+                                          b.etypzone.data(), &b.zoneid, b.etypframe.data(), &b.fswitch, &b.dmpswitch,
+                                          &b.nindex, &b.indexic, b.indexident.data(), b.indexval.data(), b.entid.data(),
+                                          &b.fidglob, b.fid.data(), b.operators.data(), b.weight.data(), b.res.data(),
+                                          &memory_size, &b.filter_flags, b.filter_params.data(), &mode, nullptr,
+                                          nullptr, status);
+              }),
+              (Outcome{-4002, no_key}));
+    EXPECT_EQ(current([&](std::int32_t* status) {
+                  KOB_READ_MULTIENTITYRESULTC(
+                      &states, &pass, series.series.data(), series.etyp.data(), &series.nent, series.etypvar.data(),
+                      &series.ncoo, series.etypzone.data(), &series.zoneid, series.etypframe.data(), &series.fswitch,
+                      &series.dmpswitch, &series.nindex, &series.nstate, series.indexident.data(),
+                      series.indexval.data(), series.entid.data(), &series.fidglob, series.fid.data(),
+                      series.operators.data(), series.weight.data(), series.res.data(), &series.filter_flags,
+                      series.filter_params.data(), &mode, nullptr, nullptr, status);
+              }),
+              (Outcome{-4002, no_key}));
+
+    const Outcome no_header{-1, "KOB ERROR - header not found\n"};
+    const auto empty = file.new_group("empty");
+    EXPECT_EQ(b.read2(empty, section::all), no_header);
+    EXPECT_EQ(series.read2(empty, section::all), no_header);
+    for (const std::int32_t piece : {3, 4, 5}) EXPECT_EQ(series.read_c(empty, piece), no_header) << piece;
+}
+
 TEST(OlderEntityResults, A_constant_block_needs_no_index)
 {
     const KobFile file;
@@ -172,6 +225,30 @@ TEST(OlderSeries, The_values_say_how_many_states_there_are)
         H5Adelete_by_name(file.block(path), "header", "nstate", H5P_DEFAULT);
     }
     check_all("none");
+}
+
+TEST(OlderSeries, Grow_where_nothing_tells_the_number_of_states)
+{
+    const KobFile file;
+    older::MultiEntityResults b{1};
+    older::MultiElementResults elements{1};
+    older::MultiActivFlags flags{1};
+    const auto forget = [&](const char* path) {
+        EXPECT_GE(H5Adelete_by_name(file.block(path), "header", "nstate", H5P_DEFAULT), 0);
+    };
+    expect_fine(b.write(file.handle()));
+    expect_fine(elements.write(file.handle()));
+    expect_fine(flags.write(file.handle()));
+    for (const char* path : {b.path(), elements.path(), flags.path()}) forget(path);
+    b.one_at(1);
+    expect_fine(b.write(file.handle()));
+    expect_fine(older::MultiElementResults{2}.write(file.handle()));
+    expect_fine(older::MultiActivFlags{2}.write(file.handle()));
+    for (const char* path : {b.path(), elements.path(), flags.path()}) EXPECT_EQ(nstate_of(file.block(path)), 2);
+    older::MultiEntityResults two{2};
+    auto read = untouched(two);
+    EXPECT_EQ(read.read(file.block(b.path()), 2), (Outcome{1050, ""}));
+    EXPECT_EQ(listing(read), listing(older::expected_of(two, older::everything)));
 }
 
 TEST(OlderSeries, An_index_shorter_than_the_values_is_an_error)
@@ -348,6 +425,31 @@ TEST(OlderMatrices, Values_come_and_go_in_pieces)
     read.val.assign(2, -1);
     EXPECT_EQ(read.read(group, 4), (Outcome{10000, ""}));
     EXPECT_EQ(read.val, (std::vector<double>{6, 2}));
+}
+
+TEST(OlderMatrices, Packed_and_sparse_values_are_read_in_pieces)
+{
+    const KobFile file;
+    older::TriangularMatrix packed;
+    older::SparseMatrix sparse;
+    expect_fine(packed.write(file.handle()));
+    expect_fine(sparse.write(file.handle()));
+    const auto check = [&](auto block, int key) {
+        const auto group = file.block(block.path());
+        const auto all = block.val;
+        block.select(1, {2}, {3});
+        block.val = {-1, -1, -1};
+        EXPECT_EQ(block.read(group, 3), (Outcome{key, ""}));
+        EXPECT_EQ(block.val, (std::vector<double>{all[3], all[4], -1}));
+        block.select(2, {2}, {4, 0});
+        EXPECT_EQ(block.read(group, 4), (Outcome{key, ""}));
+        EXPECT_EQ(block.val, (std::vector<double>{all[4], all[0], -1}));
+        H5Ldelete(group, "data", H5P_DEFAULT);
+        for (const std::int32_t pass : {3, 4})
+            EXPECT_EQ(block.read(group, pass), (Outcome{-1, "KOB ERROR - data not found\n"})) << pass;
+    };
+    check(packed, 10100);
+    check(sparse, 10200);
 }
 
 TEST(OlderMatrices, An_unknown_mode_leaves_frame_and_index)

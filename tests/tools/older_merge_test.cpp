@@ -253,6 +253,29 @@ TEST(OlderMerge, TakesAFileOfTheCurrentVersionForIncompatible)
     EXPECT_FALSE(has_link(run.target.block("constant/text"), "current")) << "a block of the other layout";
 }
 
+TEST(OlderMerge, TakesAnotherVersion1WithAWarning)
+{
+    OlderRun run{2};
+    for (const std::size_t file : {1, 2}) {
+        run.in(file).text("log", "a");
+        run.stamp(file);
+    }
+    {
+        const Hid group = open_group(run.file(2).handle(), "kobheader");
+        std::string stored = stored_text(group, "kobheader");
+        stored.replace(8, 5, "1 1 7");
+        const Hid data{H5Dopen2(group, "kobheader", H5P_DEFAULT)};
+        ASSERT_GE(H5Dwrite(data, text_type(stored.size()), H5S_ALL, H5S_ALL, H5P_DEFAULT, stored.data()), 0);
+    }
+
+    ASSERT_EQ(run.merge(), 0);
+
+    EXPECT_THAT(run.out,
+                testing::StartsWith(" KOB check file        2 / 2: WARNING - version file: 1.1.7 - program: 1.2.0\n"
+                                    "\n Start file merge\n\n"));
+    EXPECT_THAT(run.err, Not(HasSubstr("files maybe incompatible")));
+}
+
 TEST(OlderMerge, PrintsTheVersionOfItsLayout)
 {
     OlderRun run{1};

@@ -260,6 +260,14 @@ void File::read_header()
     if (header_.older_layout()) read(KOB1_READ_FILEHEADER);
 }
 
+BlockCounts File::block_counts() const
+{
+    BlockCounts counts;
+    for (const Entry& entry : entries_)
+        if (entry.key != header_key) ++(entry.older ? counts.older : counts.current);
+    return counts;
+}
+
 std::int64_t File::stored_bytes() const
 {
     struct stat info {};

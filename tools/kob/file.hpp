@@ -2,6 +2,7 @@
 // An open result file: its blocks, its header, and what HDF5 says about it.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -21,6 +22,12 @@ struct Entry {
 std::string_view short_path(const Entry& entry);
 /// The numbers of the block's state groups, in the order of its index values (innermost group first).
 std::vector<std::int64_t> state_numbers(const Entry& entry);
+
+/// Blocks by their layout.
+struct BlockCounts {
+    std::size_t current = 0;
+    std::size_t older = 0;
+};
 
 /// What the file header says.
 struct Header {
@@ -56,6 +63,8 @@ public:
     /// Whether the header is there, and what it says.
     const Header* header() const { return has_header_ ? &header_ : nullptr; }
     bool older_layout() const { return has_header_ && header_.older_layout(); }
+    /// How many blocks each layout has in the file, the header not counted.
+    BlockCounts block_counts() const;
 
 private:
     void open();

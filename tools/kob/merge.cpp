@@ -48,18 +48,20 @@ struct MergeOptions {
 /// What the library does with the blocks of a kind.
 enum class Treatment { merged, copied, one_by_one, left_out };
 
-Treatment treatment_of(std::int32_t key)
+Treatment treatment_of(const Entry& entry)
 {
-    switch (key) {
+    switch (entry.key) {
     case 10:
     case 20:
     case 30:
-    case 32:
     case 40:
         return Treatment::copied;
+    case 32: // variable groups: no kind of the older layout
+        return entry.older ? Treatment::left_out : Treatment::copied;
+    case 250: // nor are identifiers
+        return entry.older ? Treatment::left_out : Treatment::merged;
     case 100:
     case 200:
-    case 250:
     case 300:
     case 400:
     case 1000:
@@ -116,9 +118,9 @@ std::vector<KindPlan> plan(const Files& files)
             if (entry.key == header_key) continue; // the target gets its own
             auto found = std::find_if(kinds.begin(), kinds.end(), [&](const auto& k) { return k.key == entry.key; });
             if (found == kinds.end()) {
-                const Kind* kind = find_kind(entry.key);
+                const Kind* kind = find_kind(entry);
                 kinds.push_back(
-                    {entry.key, kind ? std::string{kind->name} : "unknown", treatment_of(entry.key), 0, {}, {}});
+                    {entry.key, kind ? std::string{kind->name} : "unknown", treatment_of(entry), 0, {}, {}});
                 found = kinds.end() - 1;
             }
             ++found->blocks;
@@ -134,13 +136,32 @@ Files open_sources(const MergeOptions& options)
 {
     allow_open_files(options.sources.size());
     Files files;
-    for (const std::string& source : options.sources) {
-        files.push_back(std::make_unique<File>(source));
-        if (files.back()->older_layout())
-            throw Failure{exit_cannot_read,
-                          fmt::format("{}: files of the older layout cannot be merged", printable(source))};
-    }
+    for (const std::string& source : options.sources) files.push_back(std::make_unique<File>(source));
     return files;
+}
+
+/// Whether the run is in the older layout, as its blocks say, or the header of a file without blocks. Files of both
+/// layouts are no run.
+bool are_older(const Files& files)
+{
+    const File* current = nullptr;
+    const File* older = nullptr;
+    for (const auto& file : files) {
+        const BlockCounts blocks = file->block_counts();
+        if (blocks.current > 0 && blocks.older > 0)
+            throw Failure{exit_cannot_read,
+                          fmt::format("{}: {} of {} blocks are in the older layout; a file with both is not merged",
+                                      printable(file->path()), blocks.older, blocks.current + blocks.older)};
+        const bool is_empty = blocks.current == 0 && blocks.older == 0;
+        if (is_empty && file->header() == nullptr) continue;
+        (blocks.older > 0 || (is_empty && file->older_layout()) ? older : current) = file.get();
+    }
+    if (current != nullptr && older != nullptr)
+        throw Failure{
+            exit_cannot_read,
+            fmt::format("{} is in the older layout and {} is not; kob upgrade writes a file in the current one",
+                        printable(older->path()), printable(current->path()))};
+    return older != nullptr;
 }
 
 /// The library's lines without those that tell, file by file, which kinds are not there: few runs have all of them.
@@ -160,7 +181,7 @@ std::string notable_lines(const std::string& lines)
     return result;
 }
 
-void merge(const MergeOptions& options, const Files& files, const fs::path& path)
+void merge(const MergeOptions& options, const Files& files, bool older, const fs::path& path)
 {
     constexpr std::int32_t deflate_all = 1 | 2 | 4;
     constexpr std::int32_t shuffle_numbers = 8 | 16;
@@ -180,7 +201,11 @@ void merge(const MergeOptions& options, const Files& files, const fs::path& path
     const std::int64_t bits = (options.verbose ? report_option : 0) | (options.no_domains ? no_domains_option : 0);
 
     WrittenFile target = WrittenFile::create(path.string());
-    target.write_header();
+    if (older)
+        target.write_older_header();
+    else
+        target.write_header();
+    const auto merger = older ? KOB1_MERGE_DMP : KOB_MERGE_DMP;
     std::int32_t status = 0;
     std::string lines;
     {
@@ -188,8 +213,8 @@ void merge(const MergeOptions& options, const Files& files, const fs::path& path
         std::optional<Diverted> errors;
         if (!options.verbose) errors.emplace(STDERR_FILENO);
         with_report(options.verbose && !options.json, [&] {
-            KOB_MERGE_DMP(domains.data(), target.handle(), &count, &flags, params.data(), &nexp, exponents.names.data(),
-                          exponents.values.data(), &bits, &options.float_size, &status);
+            merger(domains.data(), target.handle(), &count, &flags, params.data(), &nexp, exponents.names.data(),
+                   exponents.values.data(), &bits, &options.float_size, &status);
         });
         if (errors) lines = errors->text();
     }
@@ -249,6 +274,7 @@ int merge_files(const MergeOptions& options)
             for (const auto& other : files)
                 if (&file < &other && file->path() == other->path())
                     throw Failure{exit_usage, fmt::format("\"{}\" is given twice", printable(file->path()))};
+        const bool older = are_older(files);
         kinds = plan(files);
         if (kinds.empty()) throw Failure{exit_cannot_read, "the files hold no blocks"};
         for (const KindPlan& kind : kinds)
@@ -256,7 +282,7 @@ int merge_files(const MergeOptions& options)
                 complain("kob merge", fmt::format("{} blocks of the kind \"{}\" are left out: this kind cannot be "
                                                   "merged",
                                                   kind.blocks, kind.name));
-        if (!options.dry_run) merge(options, files, draft.path());
+        if (!options.dry_run) merge(options, files, older, draft.path());
     }
     std::size_t blocks = 0;
     std::int64_t bytes = 0;

@@ -12,7 +12,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include <algorithm>
 #include <charconv>
 #include <map>
 #include <memory>
@@ -397,18 +396,15 @@ void check(const Options& options, const File& file)
     std::error_code ignored;
     if (fs::equivalent(options.input, options.output, ignored))
         throw Failure{exit_usage, "the output would replace the input"};
-    const auto is_block = [](const Entry& entry) { return entry.key != header_key; };
-    const auto current = std::count_if(file.entries().begin(), file.entries().end(),
-                                       [&](const Entry& entry) { return is_block(entry) && !entry.older; });
-    const auto all = std::count_if(file.entries().begin(), file.entries().end(), is_block);
-    if (all == 0 || current == all)
+    const BlockCounts blocks = file.block_counts();
+    if (blocks.older == 0)
         throw Failure{exit_cannot_read,
                       fmt::format("{}: holds no blocks of the older layout", printable(options.input))};
-    if (current > 0)
+    if (blocks.current > 0)
         throw Failure{exit_cannot_read,
                       fmt::format("{}: {} of {} blocks are in the current layout already; a file with both is not "
                                   "upgraded",
-                                  printable(options.input), current, all)};
+                                  printable(options.input), blocks.current, blocks.current + blocks.older)};
 }
 
 /// Where a block did not come from the library's own writers, its place may be another one.

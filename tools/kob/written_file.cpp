@@ -68,6 +68,18 @@ void WrittenFile::write_header()
 {
     std::int32_t status = 0;
     KOB_WRITE_FILEHEADER(&handle_, nullptr, nullptr, &status);
+    check_header(status);
+}
+
+void WrittenFile::write_older_header()
+{
+    std::int32_t status = 0;
+    KOB1_WRITE_FILEHEADER(&handle_, nullptr, nullptr, &status);
+    check_header(status);
+}
+
+void WrittenFile::check_header(std::int32_t status) const
+{
     if (status < 0)
         throw Failure{exit_cannot_read,
                       fmt::format("\"{}\": the file header cannot be written (status {})", printable(path_), status)};

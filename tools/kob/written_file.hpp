@@ -23,10 +23,12 @@ public:
 
     const std::int64_t* handle() const { return &handle_; }
     void write_header();
+    void write_older_header();
     void close();
 
 private:
     WrittenFile(std::string path, std::int32_t mode);
+    void check_header(std::int32_t status) const;
     std::string path_;
     std::int64_t handle_ = 0;
 };
