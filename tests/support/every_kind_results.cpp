@@ -35,6 +35,24 @@ void write_result_kinds(KobFile& file)
     write_matrices(file);
 }
 
+void write_quad_results(KobFile& file)
+{
+    ElementResults results;
+    results.etypelem = "QUAD4";
+    results.idele = {11, 12};
+    EXPECT_EQ(results.write(file).status, 0);
+    MultiElementResults series{2};
+    series.etypelem = "QUAD4";
+    series.idele = {11, 12};
+    EXPECT_EQ(series.write(file).status, 0);
+    MultiActivFlags flags;
+    flags.etyp = "ELEMENT";
+    flags.nent = 2;
+    flags.entid = {11, 12};
+    flags.hold(2); // 0 and 1, then 100 and 101
+    EXPECT_EQ(flags.write(file).status, 0);
+}
+
 void write_series(KobFile& file, std::int32_t states, std::int32_t entities)
 {
     MultiEntityResults series;

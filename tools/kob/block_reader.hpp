@@ -3,6 +3,7 @@
 #pragma once
 
 #include "file.hpp"
+#include "generations.hpp"
 
 #include <array>
 #include <cstddef>
@@ -15,7 +16,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <tuple>
 #include <type_traits>
 #include <variant>
 #include <vector>
@@ -138,6 +138,12 @@ public:
     std::array<std::int32_t, 2> filter_params{};
 
     const Item* find(std::string_view name) const; ///< null when the block has no such item
+    /// The values of an item; null when the block has no such item.
+    template <class T> const T* values(std::string_view name) const
+    {
+        const Item* item = find(name);
+        return item != nullptr ? std::get<Buffer<T>>(item->values).data() : nullptr;
+    }
     std::string text(std::string_view name) const; ///< empty when the block has no such item
     std::int64_t integer(std::string_view name, std::int64_t otherwise) const;
     std::int64_t bytes() const; ///< of all items, as they stand in memory when read
@@ -167,17 +173,6 @@ std::optional<Series> series_of(const Block& block);
 /// rows, and of a series no more states than the first and the last.
 /// A block that cannot be read, or whose counts no file can mean, is a Failure that names it.
 Block read_block(const File& file, const Entry& entry, Depth depth, std::int64_t rows = all_rows);
-
-/// Marks of arguments that only one generation's reader has, and the place of the status.
-template <class T> struct CurrentOnly {
-    T current_only;
-};
-template <class T> CurrentOnly(T) -> CurrentOnly<T>;
-template <class T> struct OlderOnly {
-    T older_only;
-};
-template <class T> OlderOnly(T) -> OlderOnly<T>;
-struct StatusArgument {};
 
 /// What a kind's description works with: it declares the items, calls the reader of the library section by section, and
 /// gives each dataset its shape as soon as the counts are known.
@@ -219,7 +214,8 @@ public:
     template <class Current, class Older, class... Args>
     void call(Current* current_reader, Older* older_reader, Args... args)
     {
-        call([&](std::int32_t& status) { dispatch(current_reader, older_reader, status, args...); });
+        const Layout layout = block_.older ? Layout::older : Layout::current;
+        call([&](std::int32_t& status) { call_of(layout, status, current_reader, older_reader, args...); });
     }
     [[noreturn]] void refuse(const std::string& why) const;
 
@@ -239,33 +235,6 @@ public:
     void filters_found() { block_.filters_known = true; }
 
 private:
-    template <class Current, class Older, class... Args>
-    void dispatch(Current* current_reader, Older* older_reader, std::int32_t& status, Args... args)
-    {
-        if (block_.older)
-            std::apply(older_reader, std::tuple_cat(argument<true>(args, status)...));
-        else
-            std::apply(current_reader, std::tuple_cat(argument<false>(args, status)...));
-    }
-    template <bool is_older, class T> static auto argument(T value, std::int32_t& status)
-    {
-        if constexpr (std::is_same_v<T, StatusArgument>)
-            return std::make_tuple(&status);
-        else if constexpr (requires { value.current_only; })
-            return only<!is_older>(value.current_only);
-        else if constexpr (requires { value.older_only; })
-            return only<is_older>(value.older_only);
-        else
-            return std::make_tuple(value);
-    }
-    template <bool taken, class T> static auto only(T value)
-    {
-        if constexpr (taken)
-            return std::make_tuple(value);
-        else
-            return std::make_tuple();
-    }
-
     Item& add(std::string_view name, Stored stored, Type type, std::int32_t width);
     void set_extents(Item& item, const std::vector<std::int64_t>& extents) const;
     void set_states(Item& item, std::int64_t states, const std::vector<std::int64_t>& extents) const;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // kob split: cuts a model into the files of a distributed run, with shared nodes in each of their domains.
 
-#include "block_reader.hpp"
+#include "block_writer.hpp"
 #include "draft.hpp"
 #include "file.hpp"
 #include "progress.hpp"
@@ -16,9 +16,12 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <map>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace kob::program {
@@ -83,8 +86,8 @@ private:
     {
         const auto ncoo = static_cast<std::size_t>(block.integer("ncoo", 0));
         const auto nent = static_cast<std::size_t>(block.integer("nent", 0));
-        const std::int32_t* ids = int_values(block, "entid");
-        const double* values = real_values(block, "res");
+        const std::int32_t* ids = block.values<std::int32_t>("entid");
+        const double* values = block.values<double>("res");
         for (std::size_t i = 0; i < nent; ++i)
             places_.emplace(ids[i], values[i * ncoo + static_cast<std::size_t>(axis_)]);
     }
@@ -116,8 +119,8 @@ Elements collect(const std::vector<Block>& blocks, const Positions* positions)
         const std::string type = block.text("etypelem");
         const auto count = static_cast<std::size_t>(block.integer("nele", 0));
         const auto npele = static_cast<std::size_t>(block.integer("npele", 0));
-        const std::int32_t* ids = int_values(block, "idele");
-        const std::int32_t* ic = int_values(block, "ic");
+        const std::int32_t* ids = block.values<std::int32_t>("idele");
+        const std::int32_t* ic = block.values<std::int32_t>("ic");
         for (std::size_t i = 0; i < count; ++i) {
             if (!elements.place.emplace(std::pair{type, ids[i]}, elements.which.size()).second) continue;
             double key = static_cast<double>(elements.which.size());
@@ -147,14 +150,17 @@ Partition cut(const File& file, const SplitOptions& options)
         const std::string type = block.text("etypelem");
         const std::string family = block.text("etyp");
         const std::string node = block.text("etypnode");
+        const std::string part = block.text("etyppart");
         const auto count = static_cast<std::size_t>(block.integer("nele", 0));
         const auto npele = static_cast<std::size_t>(block.integer("npele", 0));
-        const std::int32_t* ids = int_values(block, "idele");
-        const std::int32_t* ic = int_values(block, "ic");
+        const std::int32_t* ids = block.values<std::int32_t>("idele");
+        const std::int32_t* ic = block.values<std::int32_t>("ic");
+        const std::int32_t* parts = block.values<std::int32_t>("pid");
         for (std::size_t i = 0; i < count; ++i) {
             const std::size_t domain = domain_of[elements.place.at({type, ids[i]})];
             partition.add(type, domain, ids[i]);
-            if (family != type) partition.add(family, domain, ids[i]);
+            if (!family.empty() && family != type) partition.add(family, domain, ids[i]);
+            partition.add(part, domain, parts[i]);
             for (std::size_t n = 0; n < npele; ++n) partition.add(node, domain, ic[i * npele + n]);
         }
     }
@@ -169,13 +175,36 @@ struct Result {
     std::map<std::int32_t, std::size_t> left_out; ///< key -> blocks
 };
 
+/// How a part is stored: as before, but numbers that were rounded to decimal digits would drift if they were again.
+Storing storing_of(const Block& block, std::int32_t float_size)
+{
+    constexpr std::int32_t scale_floats = 128;
+    return {float_size, block.filters_known ? block.filter_flags & ~scale_floats : 0, {0, block.filter_params[1]}};
+}
+
+/// Whether there is a group at the block's path.
+bool is_at_its_path(const WrittenFile& target, const Entry& entry)
+{
+    const Diverted errors{STDERR_FILENO};
+    try {
+        const Group group{*target.handle(), entry.path};
+        return true;
+    } catch (const Failure&) {
+        return false;
+    }
+}
+
 void write_domains(const File& file, const Partition& partition, const SplitOptions& options,
                    std::vector<Draft>& drafts, Result& result)
 {
+    const Layout layout = file.block_counts().older > 0 ? Layout::older : Layout::current;
     std::vector<WrittenFile> targets;
     for (const Draft& draft : drafts) {
         targets.push_back(WrittenFile::create(draft.path().string()));
-        targets.back().write_header();
+        if (layout == Layout::older)
+            targets.back().write_older_header();
+        else
+            targets.back().write_header();
     }
     Progress progress{"splitting", static_cast<std::int64_t>(file.entries().size()), Progress::Unit::things,
                       options.quiet};
@@ -183,8 +212,17 @@ void write_domains(const File& file, const Partition& partition, const SplitOpti
         progress.add(1);
         if (!can_split(entry.key)) continue;
         const Block block = read_block(file, entry, Depth::values);
-        for (std::size_t i = 0; i < targets.size(); ++i)
-            if (write_part(block, entry, partition, i, targets[i].handle(), options.float_size)) ++result.blocks[i];
+        bool is_moved = false;
+        for (std::size_t i = 0; i < targets.size(); ++i) {
+            const std::optional<Block> part = part_of(block, partition, i);
+            if (!part) continue;
+            write_block(*part, entry, layout, targets[i].handle(), storing_of(*part, options.float_size));
+            ++result.blocks[i];
+            is_moved = is_moved || !is_at_its_path(targets[i], entry);
+        }
+        if (is_moved)
+            complain("kob split",
+                     fmt::format("warning: {}: the block has another path now", printable(short_path(entry))));
     }
     for (WrittenFile& target : targets) target.close();
 }
@@ -217,9 +255,11 @@ int split_file(const SplitOptions& options)
 {
     const auto domains = static_cast<std::size_t>(options.domains);
     const File file{options.path};
-    if (file.older_layout())
+    const BlockCounts blocks = file.block_counts();
+    if (blocks.current > 0 && blocks.older > 0)
         throw Failure{exit_cannot_read,
-                      fmt::format("{}: files of the older layout cannot be split", printable(options.path))};
+                      fmt::format("{}: {} of {} blocks are in the older layout; a file with both is not split",
+                                  printable(options.path), blocks.older, blocks.current + blocks.older)};
     const std::string output = options.output.empty() ? file.disk_path() : options.output;
     Result result;
     result.blocks.resize(domains);

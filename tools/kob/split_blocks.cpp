@@ -1,221 +1,238 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Cuts blocks by rows and hands them to the library's writers.
+// Cuts blocks by rows.
 
 #include "split_blocks.hpp"
 
 #include "terminal.hpp"
 #include "verbs.hpp"
 
-#include "kob_dp.h"
-
 #include <algorithm>
 #include <array>
-#include <numeric>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace kob::program {
 
 namespace {
 
-constexpr std::int32_t scale_floats = 128; // the numbers come as they were read; rounded again they would drift
-
 using Rows = std::vector<std::size_t>;
 
-const Item* find_item(const Block& block, std::string_view name)
+/// What becomes of the blocks of a kind.
+enum class Way {
+    copied, ///< whole to each domain
+    cut,    ///< by rows; of entities that are in no domain, to each domain
+    dealt,  ///< the same, to the first domain: the merger does not unite these blocks
+    owned,  ///< whole to the first domain that holds the block's one entity
+    grouped ///< collectors, by their members
+};
+
+struct CutKind {
+    std::int32_t key; ///< that of the real values
+    Way way;
+    std::string_view type;  ///< items: the entity type,
+    std::string_view ids;   ///< its identifiers,
+    std::string_view count; ///< their number
+};
+
+constexpr std::array cut_kinds{
+    CutKind{10, Way::copied, "", "", ""},
+    CutKind{20, Way::copied, "", "", ""},
+    CutKind{30, Way::copied, "", "", ""},
+    CutKind{32, Way::copied, "", "", ""},
+    CutKind{40, Way::copied, "", "", ""},
+    CutKind{100, Way::cut, "etyppart", "pid", "npart"},
+    CutKind{200, Way::cut, "etyp", "entid", "nent"},
+    CutKind{250, Way::cut, "etyp", "entid", "nent"},
+    CutKind{300, Way::cut, "etypelem", "idele", "nele"},
+    CutKind{400, Way::grouped, "etyp", "entid", "nent"},
+    CutKind{500, Way::dealt, "etyp", "entid", "nent"},
+    CutKind{1000, Way::cut, "etyp", "entid", "nent"},
+    CutKind{1050, Way::cut, "etyp", "entid", "nent"},
+    CutKind{1100, Way::dealt, "etypelem", "idele", "nele"},
+    CutKind{1150, Way::dealt, "etypelem", "idele", "nele"},
+    CutKind{2100, Way::cut, "etyp", "entid", "nent"},
+    CutKind{2150, Way::dealt, "etyp", "entid", "nent"},
+    CutKind{10000, Way::owned, "etyp", "entid", ""},
+    CutKind{10100, Way::owned, "etyp", "entid", ""},
+    CutKind{10200, Way::owned, "etyp", "entid", ""},
+};
+
+const CutKind* find_cut(std::int32_t key)
 {
-    const auto found =
-        std::find_if(block.items.begin(), block.items.end(), [&](const Item& item) { return item.name == name; });
-    return found == block.items.end() ? nullptr : &*found;
+    const Kind* kind = find_kind(key);
+    const auto* found = std::find_if(cut_kinds.begin(), cut_kinds.end(),
+                                     [&](const CutKind& cut) { return kind != nullptr && cut.key == kind->key; });
+    return found != cut_kinds.end() ? found : nullptr;
 }
 
-template <class T> const T* values(const Block& block, std::string_view name)
+/// The items with a row for each entity, in whatever kind they are.
+bool has_row_of_each(const Item& item)
 {
-    const Item* item = find_item(block, name);
-    return item == nullptr ? nullptr : std::get<Buffer<T>>(item->values).data();
+    constexpr std::array<std::string_view, 18> names{"entid", "idele",  "pid", "title",   "mid",    "mtyp",
+                                                     "pcol",  "pvtyp",  "uid", "ic",      "iparam", "fparam",
+                                                     "fid",   "weight", "res", "idparam", "cparam", "status"};
+    return item.stored == Stored::dataset && item.in_block &&
+           std::find(names.begin(), names.end(), item.name) != names.end();
 }
-const char* text(const Block& block, std::string_view name) { return values<char>(block, name); }
 
-/// The rows of an item, each of `length` elements. Empty when the block has no such item.
-template <class T>
-std::vector<T> gather(const Block& block, std::string_view name, const Rows& rows, std::int64_t length)
+template <class T> Buffer<T> buffer_of(const T* from, std::size_t count)
 {
-    std::vector<T> result;
-    const T* from = values<T>(block, name);
-    if (from == nullptr || length <= 0) return result;
-    const auto n = static_cast<std::size_t>(length);
-    result.reserve(rows.size() * n);
-    for (const std::size_t row : rows) result.insert(result.end(), from + row * n, from + (row + 1) * n);
+    Buffer<T> result{count};
+    std::copy_n(from, count, result.data());
     return result;
 }
 
-void check(std::int32_t status, const Entry& entry)
+/// Of each state the rows, each of `length` values.
+template <class T>
+Buffer<T> gather(const Buffer<T>& from, const Rows& rows, std::size_t states, std::size_t rows_of_state,
+                 std::size_t length)
 {
-    if (status < 0)
-        throw Failure{exit_cannot_read,
-                      fmt::format("{} cannot be written (status {})", printable(short_path(entry)), status)};
+    Buffer<T> result{states * rows.size() * length};
+    T* to = result.data();
+    for (std::size_t state = 0; state < states; ++state)
+        for (const std::size_t row : rows)
+            to = std::copy_n(from.data() + (state * rows_of_state + row) * length, length, to);
+    return result;
 }
 
-/// How a block is stored: as before, but never rounded a second time.
-struct Storing {
-    explicit Storing(const Block& block)
-        : flags{block.filters_known ? block.filter_flags & ~scale_floats : 0}, params{0, block.filter_params[1]}
-    {
+/// All of an item but its values.
+Item outline_of(const Item& item)
+{
+    return {item.name,     item.stored,    item.type,      item.width,       item.shape, item.complex_pairs,
+            item.in_block, item.is_string, item.is_series, item.state_count, item.rows,  {}};
+}
+
+Item copy_of(const Item& item)
+{
+    Item copy = outline_of(item);
+    std::visit(
+        [&](const auto& values) {
+            using Values = std::remove_cvref_t<decltype(values)>;
+            copy.values = values.size() > 0 ? buffer_of(values.data(), values.size()) : Values{};
+        },
+        item.values);
+    return copy;
+}
+
+Item rows_of(const Item& item, const Rows& rows)
+{
+    Item part = outline_of(item);
+    const auto length = static_cast<std::size_t>(item.row_length() * (item.type == Type::text ? item.width : 1));
+    const auto states = static_cast<std::size_t>(item.state_count);
+    std::visit(
+        [&](const auto& values) {
+            part.values = gather(values, rows, states, static_cast<std::size_t>(item.rows), length);
+        },
+        item.values);
+    part.rows = static_cast<std::int64_t>(rows.size());
+    part.shape[item.is_series ? 1 : 0] = part.rows;
+    return part;
+}
+
+/// Everything of a block but its items.
+Block outline_of(const Block& block)
+{
+    Block outline;
+    outline.key = block.key;
+    outline.older = block.older;
+    outline.kind = block.kind;
+    outline.filters_known = block.filters_known;
+    outline.filter_flags = block.filter_flags;
+    outline.filter_params = block.filter_params;
+    return outline;
+}
+
+Block copy_of(const Block& block)
+{
+    Block copy = outline_of(block);
+    for (const Item& item : block.items) copy.items.push_back(copy_of(item));
+    return copy;
+}
+
+/// Gives an item of integers other values.
+void replace(Block& block, std::string_view name, const std::vector<std::int32_t>& values)
+{
+    for (Item& item : block.items) {
+        if (item.name != name) continue;
+        item.values = buffer_of(values.data(), values.size());
+        if (item.stored == Stored::attribute || item.shape.size() > 1) continue;
+        item.rows = static_cast<std::int64_t>(values.size());
+        item.shape = {item.rows};
     }
-    std::int32_t flags;
-    std::array<std::int32_t, 2> params;
-};
-
-void copy_system(const Block& b, const Entry& entry, const std::int64_t* target, std::int32_t float_size)
-{
-    const Storing how{b};
-    std::int32_t status = 0;
-    KOB_WRITE_SYSTEM(target, text(b, "title"), text(b, "sys"), text(b, "solver_name"), text(b, "solver_vers"),
-                     text(b, "cdate"), text(b, "ctime"), text(b, "mdate"), text(b, "mtime"), int_values(b, "nbunit"),
-                     int_values(b, "ndunit"), int_values(b, "ubid"), text(b, "ubtyp"), text(b, "ubnam"),
-                     real_values(b, "ubshift"), real_values(b, "ubcon"), int_values(b, "udid"), text(b, "udnam"),
-                     real_values(b, "udscal"), int_values(b, "ndbunit"), int_values(b, "udbid"),
-                     real_values(b, "udbexp"), &how.flags, how.params.data(), &float_size, &status);
-    check(status, entry);
 }
 
-void copy_index(const Block& b, const Entry& entry, const std::int64_t* target)
+Block cut_by_rows(const Block& block, const CutKind& cut, const Rows& rows)
 {
-    std::int32_t status = 0;
-    KOB_WRITE_INDEX(target, int_values(b, "nindex"), text(b, "etypvar"), nullptr, nullptr, &status);
-    check(status, entry);
+    Block part = outline_of(block);
+    for (const Item& item : block.items)
+        part.items.push_back(has_row_of_each(item) ? rows_of(item, rows) : copy_of(item));
+    replace(part, cut.count, {static_cast<std::int32_t>(rows.size())});
+    return part;
 }
 
-void copy_variable_group(const Block& b, const Entry& entry, const std::int64_t* target)
+/// The rows that a domain holds of entities of a type.
+Rows rows_in(const Partition& partition, std::size_t domain, Way way, const std::string& type, const std::int32_t* ids,
+             std::size_t count)
 {
-    const Storing how{b};
-    std::int32_t status = 0;
-    KOB_WRITE_VARIABLEGROUP(target, nullptr, nullptr, text(b, "etypvar"), int_values(b, "nvar"), int_values(b, "ncoo"),
-                            int_values(b, "cnt"), int_values(b, "offs"), text(b, "varkey"), &how.flags,
-                            how.params.data(), &status);
-    check(status, entry);
+    if (way != Way::cut && way != Way::grouped && domain > 0 && !partition.knows(type)) return {};
+    return partition.rows(type, domain, ids, count);
 }
 
-void copy_variable(const Block& b, const Entry& entry, const std::int64_t* target, std::int32_t float_size)
+/// Each domain has all collectors, with the members that it holds; one that holds none has none of them.
+std::optional<Block> cut_collectors(const Block& block, const CutKind& cut, const Partition& partition,
+                                    std::size_t domain)
 {
-    const Storing how{b};
-    std::int32_t status = 0;
-    KOB_WRITE_VARIABLE(target, nullptr, nullptr, text(b, "varkey"), text(b, "varclass"), text(b, "varnam"),
-                       int_values(b, "ncoo"), int_values(b, "rank"), int_values(b, "ndim"), int_values(b, "tensor"),
-                       text(b, "type"), int_values(b, "lvmap"), int_values(b, "subslen"), int_values(b, "mbunit"),
-                       int_values(b, "mdunit"), int_values(b, "ubid"), real_values(b, "ubexp"), int_values(b, "udid"),
-                       real_values(b, "udexp"), text(b, "subscr"), int_values(b, "subscnt"), int_values(b, "subsoffs"),
-                       real_values(b, "vmap"), &how.flags, how.params.data(), &float_size, &status);
-    check(status, entry);
-}
-
-void cut_connectivities(const Block& b, const Entry& entry, const Rows& rows, const std::int64_t* target,
-                        std::int32_t float_size)
-{
-    const Storing how{b};
-    const auto nele = static_cast<std::int32_t>(rows.size());
-    const std::vector<std::int64_t> states = state_numbers(entry);
-    const std::int32_t state = states.size() == 1 ? static_cast<std::int32_t>(states.front()) : -1;
-    const auto idele = gather<std::int32_t>(b, "idele", rows, 1);
-    const auto pid = gather<std::int32_t>(b, "pid", rows, 1);
-    const auto ic = gather<std::int32_t>(b, "ic", rows, b.integer("npele", 0));
-    const auto iparam = gather<std::int32_t>(b, "iparam", rows, b.integer("nbint", 0));
-    const auto fparam = gather<double>(b, "fparam", rows, b.integer("nbfloat", 0));
-    std::int32_t status = 0;
-    KOB_WRITE_CONNECTIVITIES(target, text(b, "etyp"), text(b, "etypelem"), text(b, "etyppart"), text(b, "etypnode"),
-                             text(b, "etypvar"), &nele, int_values(b, "npele"), int_values(b, "ndim"),
-                             int_values(b, "nbint"), int_values(b, "nbfloat"), int_values(b, "nindex"),
-                             int_values(b, "indexic"), int_values(b, "indexident"), real_values(b, "indexval"),
-                             idele.data(), pid.data(), ic.data(), iparam.data(), fparam.data(), &state, &how.flags,
-                             how.params.data(), &float_size, &status);
-    check(status, entry);
-}
-
-void cut_results(const Block& b, const Entry& entry, const Rows& rows, const std::int64_t* target,
-                 std::int32_t float_size)
-{
-    constexpr std::int32_t all_sections = 15;
-    constexpr std::int32_t create = 0;
-    constexpr std::int32_t nul_terminated = -1;
-    constexpr std::int32_t memory_size = sizeof(double);
-    constexpr std::int32_t whole = 0;
-    constexpr std::int32_t complex_factor = 4; // a value size of 16 or 32 means pairs of 4 or 8 bytes
-    const Storing how{b};
-    const bool complex = b.kind->complex_key == b.key;
-    const auto nent = static_cast<std::int32_t>(rows.size());
-    const auto entid = gather<std::int32_t>(b, "entid", rows, 1);
-    const auto fid =
-        b.integer("fswitch", 0) == 1 ? gather<std::int32_t>(b, "fid", rows, 1) : std::vector<std::int32_t>{};
-    const auto weight = b.integer("dmpswitch", 0) == 1 ? gather<double>(b, "weight", rows, 1) : std::vector<double>{};
-    const auto res = gather<double>(b, "res", rows, b.integer("ncoo", 0) * (complex ? 2 : 1));
-    const std::int32_t value_size = complex ? complex_factor * float_size : float_size;
-    std::array<std::int64_t, 2> groups{-1, -1};
-    std::int32_t status = 0;
-    KOB_H5GOPEN(target, entry.path.c_str(), &nul_terminated, &create, groups.data(), &status);
-    check(status, entry);
-    KOB_WRITE_ENTITYRESULTS2(groups.data(), &all_sections, nullptr, text(b, "etyp"), &nent, text(b, "etypvar"),
-                             int_values(b, "ncoo"), text(b, "etypzone"), int_values(b, "zoneid"), text(b, "etypframe"),
-                             int_values(b, "fswitch"), int_values(b, "dmpswitch"), int_values(b, "nindex"),
-                             int_values(b, "indexic"), int_values(b, "indexident"), real_values(b, "indexval"),
-                             entid.data(), int_values(b, "fidglob"), fid.data(), text(b, "operator"), weight.data(),
-                             res.data(), &memory_size, &how.flags, how.params.data(), &value_size, &whole, nullptr,
-                             nullptr, &status);
-    std::int32_t ignored = 0;
-    KOB_H5GCLOSE(groups.data(), &ignored);
-    check(status, entry);
-}
-
-/// The rows of a block that a domain holds.
-Rows rows_of(const Block& block, const Partition& partition, std::size_t domain, const char* type, const char* ids,
-             const char* count)
-{
-    return partition.rows(block.text(type), domain, int_values(block, ids),
-                          static_cast<std::size_t>(std::max<std::int64_t>(block.integer(count, 0), 0)));
+    const Item& types = *block.find(cut.type);
+    const std::int32_t* ids = block.values<std::int32_t>(cut.ids);
+    const auto ntyp = static_cast<std::size_t>(block.integer("ntyp", 0));
+    const auto groups = static_cast<std::size_t>(block.integer("ncoll", 0)) * ntyp;
+    std::vector<std::int32_t> counts;
+    std::vector<std::int32_t> members;
+    std::int64_t left = block.integer("nenttot", 0);
+    for (std::size_t i = 0; i < groups; ++i) {
+        const std::int32_t number = block.values<std::int32_t>(cut.count)[i];
+        left -= number;
+        if (number < 0 || left < 0)
+            throw Failure{exit_cannot_read,
+                          fmt::format("{}: a collector has {} members", block.text("etypcoll"), number)};
+        const auto count = static_cast<std::size_t>(number);
+        const std::string type = types.text(static_cast<std::int64_t>(i % ntyp));
+        const Rows rows = rows_in(partition, domain, cut.way, type, ids, count);
+        for (const std::size_t row : rows) members.push_back(ids[row]);
+        counts.push_back(static_cast<std::int32_t>(rows.size()));
+        ids += count;
+    }
+    if (members.empty() && domain > 0) return std::nullopt;
+    Block part = copy_of(block);
+    replace(part, cut.count, counts);
+    replace(part, cut.ids, members);
+    replace(part, "nenttot", {static_cast<std::int32_t>(members.size())});
+    return part;
 }
 
 } // namespace
 
-const std::int32_t* int_values(const Block& block, std::string_view name) { return values<std::int32_t>(block, name); }
+bool can_split(std::int32_t key) { return find_cut(key) != nullptr; }
 
-const double* real_values(const Block& block, std::string_view name) { return values<double>(block, name); }
-
-bool can_split(std::int32_t key)
+std::optional<Block> part_of(const Block& block, const Partition& partition, std::size_t domain)
 {
-    constexpr std::array<std::int32_t, 7> keys{10, 20, 30, 32, 300, 1000, 1001};
-    return std::find(keys.begin(), keys.end(), key) != keys.end();
-}
-
-bool write_part(const Block& block, const Entry& entry, const Partition& partition, std::size_t domain,
-                const std::int64_t* target, std::int32_t float_size)
-{
-    switch (block.key) {
-    case 10:
-        copy_system(block, entry, target, float_size);
-        return true;
-    case 20:
-        copy_index(block, entry, target);
-        return true;
-    case 30:
-        copy_variable(block, entry, target, float_size);
-        return true;
-    case 32:
-        copy_variable_group(block, entry, target);
-        return true;
-    case 300: {
-        const Rows rows = rows_of(block, partition, domain, "etypelem", "idele", "nele");
-        if (rows.empty()) return false;
-        cut_connectivities(block, entry, rows, target, float_size);
-        return true;
-    }
-    case 1000:
-    case 1001: {
-        const Rows rows = rows_of(block, partition, domain, "etyp", "entid", "nent");
-        if (rows.empty()) return false;
-        cut_results(block, entry, rows, target, float_size);
-        return true;
-    }
-    default:
-        return false;
-    }
+    const CutKind& cut = *find_cut(block.key);
+    if (cut.way == Way::copied) return copy_of(block);
+    if (cut.way == Way::grouped) return cut_collectors(block, cut, partition, domain);
+    const std::int64_t count = cut.way == Way::owned ? 1 : block.integer(cut.count, 0);
+    const auto held_by = [&](std::size_t i) {
+        return rows_in(partition, i, cut.way, block.text(cut.type), block.values<std::int32_t>(cut.ids),
+                       static_cast<std::size_t>(count));
+    };
+    const Rows rows = held_by(domain);
+    if (rows.empty() && (count > 0 || domain > 0)) return std::nullopt; // the first domain has the empty ones
+    if (cut.way != Way::owned) return cut_by_rows(block, cut, rows);
+    for (std::size_t i = 0; i < domain; ++i)
+        if (!held_by(i).empty()) return std::nullopt;
+    return copy_of(block);
 }
 
 } // namespace kob::program

@@ -21,6 +21,8 @@ public:
     /// Sorts what was added; to be called before any question.
     void finish();
 
+    /// Whether entities of the type were given to any domain.
+    bool knows(const std::string& type) const { return members_.contains(type); }
     /// The places of those identifiers that a domain holds, ascending. All of them, if nothing is known of the type.
     std::vector<std::size_t> rows(const std::string& type, std::size_t domain, const std::int32_t* ids,
                                   std::size_t count) const;

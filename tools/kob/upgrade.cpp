@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // kob upgrade: writes a file of the older layout in the current one.
 
-#include "block_reader.hpp"
+#include "block_writer.hpp"
 #include "draft.hpp"
 #include "file.hpp"
 #include "terminal.hpp"
@@ -12,10 +12,11 @@
 
 #include <CLI/CLI.hpp>
 
-#include <charconv>
+#include <algorithm>
 #include <map>
 #include <memory>
 #include <set>
+#include <utility>
 
 namespace kob::program {
 
@@ -24,11 +25,12 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::int32_t zero = 0;
-constexpr std::int32_t none = -1;
 constexpr std::int32_t name_width = 256;
 constexpr std::int32_t header_key = 1;
+constexpr std::int32_t index_key = 20;
 constexpr std::int32_t variables_key = 30;
-constexpr std::int32_t matrix_text_length = name_width; // taken by the writers and not looked at
+constexpr std::int32_t parts_key = 100;
+constexpr std::int32_t connectivities_key = 300;
 
 struct Options {
     std::string input;
@@ -44,6 +46,21 @@ std::string field(std::string_view text)
     return result;
 }
 
+Item text_attribute(const char* name, std::string_view text)
+{
+    Item item{};
+    item.name = name;
+    item.stored = Stored::attribute;
+    item.type = Type::text;
+    item.width = name_width;
+    item.rows = 1;
+    Buffer<char> values{name_width};
+    const std::string padded = field(text);
+    std::copy(padded.begin(), padded.end(), values.data());
+    item.values = std::move(values);
+    return item;
+}
+
 /// The units of `count` values, as pointers into a block or from one of its values on.
 struct Units {
     const std::int32_t* mbunit;
@@ -54,16 +71,13 @@ struct Units {
     const double* udexp;
 };
 
-/// A block that was read, as the arguments of its writer.
+/// The items of a block that was read.
 class Source {
 public:
-    Source(const Block& block, const Entry& entry) : block_{block}, entry_{entry} {}
+    explicit Source(const Block& block) : block_{block} {}
 
-    // Null where the block has no such item: its writer does not look then.
-    const char* text(const char* name) const { return data<char>(name); }
-    const std::int32_t* ints(const char* name) const { return data<std::int32_t>(name); }
-    const std::int64_t* longs(const char* name) const { return data<std::int64_t>(name); }
-    const double* reals(const char* name) const { return data<double>(name); }
+    const std::int32_t* ints(const char* name) const { return block_.values<std::int32_t>(name); }
+    const double* reals(const char* name) const { return block_.values<double>(name); }
     std::int32_t integer(const char* name) const { return static_cast<std::int32_t>(block_.integer(name, 0)); }
     const Item& item(const char* name) const { return *block_.find(name); }
     std::string trimmed_text(const char* name) const { return block_.text(name); }
@@ -72,46 +86,9 @@ public:
     {
         return {ints("mbunit"), ints("mdunit"), ints("ubid"), reals("ubexp"), ints("udid"), reals("udexp")};
     }
-    const std::int32_t* filter_flags() const { return &block_.filter_flags; }
-    const std::int32_t* filter_params() const { return block_.filter_params.data(); }
-
-    /// The one state number of the path; several follow from the index identifiers.
-    std::int32_t state() const
-    {
-        const std::vector<std::int64_t> numbers = state_numbers(entry_);
-        return numbers.size() == 1 ? static_cast<std::int32_t>(numbers.front()) : none;
-    }
-
-    /// The set number of the path, unless what looks like one belongs to the last name.
-    std::int32_t set() const
-    {
-        std::string_view level = short_path(entry_);
-        level.remove_prefix(level.rfind('/') + 1);
-        std::string name = trimmed_text("etypzone");
-        if (name.empty()) name = trimmed_text("etypvar");
-        if (integer("zoneid") >= 0) name += std::to_string(integer("zoneid"));
-        const std::size_t at = level.rfind("_set");
-        std::int32_t number = none;
-        if (level != name && at != std::string_view::npos)
-            std::from_chars(level.data() + at + 4, level.data() + level.size(), number);
-        return number;
-    }
-
-    /// The value size argument of a writer whose values are stored with so many bytes.
-    std::int32_t value_size(std::int32_t float_size) const
-    {
-        return block_.key == block_.kind->complex_key ? 4 * float_size : float_size;
-    }
 
 private:
-    template <class T> const T* data(const char* name) const
-    {
-        const Item* item = block_.find(name);
-        return item != nullptr ? std::get<Buffer<T>>(item->values).data() : nullptr;
-    }
-
     const Block& block_;
-    const Entry& entry_;
 };
 
 /// The file that is written.
@@ -125,12 +102,24 @@ public:
 
     void close() { file_.close(); }
 
-    void write(const Block& block, const Entry& entry)
+    void write(Block block, const Entry& entry)
     {
-        const Source in{block, entry};
-        std::int32_t status = 0;
-        write(in, block.kind->key, status);
-        check(status, short_path(entry));
+        switch (block.kind->key) {
+        case index_key:
+            return write_index(Source{block}, entry);
+        case variables_key:
+            return write_variables(Source{block});
+        case connectivities_key:
+            complete_connectivities(block);
+            break;
+        case parts_key:
+            lose("\"pvtyp\" of parts");
+            break;
+        default:
+            break;
+        }
+        write_block(block, entry, Layout::current, file_.handle(),
+                    {float_size_, block.filter_flags, block.filter_params});
     }
 
     /// What the current layout has no place for, with the number of blocks that lost it.
@@ -141,137 +130,6 @@ private:
     {
         if (status < 0)
             throw Failure{exit_cannot_read, fmt::format("cannot write {} (status {})", printable(what), status)};
-    }
-
-    void write(const Source& in, std::int32_t key, std::int32_t& status)
-    {
-        const std::int32_t state = in.state();
-        const std::int32_t value_size = in.value_size(float_size_);
-        switch (key) {
-        case 10:
-            KOB_WRITE_SYSTEM(file_.handle(), in.text("title"), in.text("sys"), in.text("solver_name"),
-                             in.text("solver_vers"), in.text("cdate"), in.text("ctime"), in.text("mdate"),
-                             in.text("mtime"), in.ints("nbunit"), in.ints("ndunit"), in.ints("ubid"), in.text("ubtyp"),
-                             in.text("ubnam"), in.reals("ubshift"), in.reals("ubcon"), in.ints("udid"),
-                             in.text("udnam"), in.reals("udscal"), in.ints("ndbunit"), in.ints("udbid"),
-                             in.reals("udbexp"), in.filter_flags(), in.filter_params(), &float_size_, &status);
-            break;
-        case 20:
-            write_index(in, status);
-            break;
-        case variables_key:
-            write_variables(in);
-            break;
-        case 40:
-            KOB_WRITE_TEXT(file_.handle(), in.text("etyptext"), in.ints("nlines"), in.ints("length"), &zero, &zero,
-                           nullptr, nullptr, in.text("line"), &none, in.filter_flags(), in.filter_params(),
-                           &float_size_, &status);
-            break;
-        case 100:
-            KOB_WRITE_PARTS(file_.handle(), in.text("etyppart"), in.ints("npart"), in.ints("off"), &name_width,
-                            in.ints("nindex"), &zero, in.ints("indexident"), in.reals("indexval"), in.ints("pid"),
-                            in.text("title"), in.ints("mid"), in.ints("mtyp"), in.ints("pcol"), &state,
-                            in.filter_flags(), in.filter_params(), &float_size_, &status);
-            lose("\"pvtyp\" of parts");
-            break;
-        case 200:
-            KOB_WRITE_ATTRIBUTES(file_.handle(), in.text("etyp"), in.ints("nent"), in.ints("nuid"), &name_width,
-                                 in.ints("nindex"), &zero, in.ints("indexident"), in.reals("indexval"),
-                                 in.ints("entid"), in.text("title"), in.ints("uid"), &state, in.filter_flags(),
-                                 in.filter_params(), &float_size_, &status);
-            break;
-        case 300:
-            write_connectivities(in, state, status);
-            break;
-        case 400:
-            KOB_WRITE_COLLECTOR(file_.handle(), in.text("etypcoll"), in.ints("ncoll"), in.ints("ntyp"),
-                                in.ints("nindex"), &zero, in.ints("indexident"), in.reals("indexval"),
-                                in.ints("idcoll"), in.text("etyp"), in.ints("nent"), in.ints("entid"), &state,
-                                in.filter_flags(), in.filter_params(), &float_size_, &status);
-            break;
-        case 2100:
-            KOB_WRITE_ACTIVFLAGS(file_.handle(), in.text("etyp"), in.ints("nent"), in.ints("nindex"), &zero,
-                                 in.ints("indexident"), in.reals("indexval"), in.ints("entid"), in.ints("status"),
-                                 &state, in.filter_flags(), in.filter_params(), &float_size_, &status);
-            break;
-        case 2150:
-            KOB_WRITE_MULTIACTIVFLAGS(file_.handle(), in.text("series"), in.text("etyp"), in.ints("nent"),
-                                      in.ints("nindex"), in.ints("indexident"), in.reals("indexval"), in.ints("entid"),
-                                      in.ints("status"), in.ints("nstate"), in.filter_flags(), in.filter_params(),
-                                      &float_size_, &status);
-            break;
-        default:
-            if (key >= 10000)
-                write_matrix(in, key, state, value_size, status);
-            else
-                write_results(in, key, state, value_size, status);
-        }
-    }
-
-    void write_results(const Source& in, std::int32_t key, std::int32_t state, std::int32_t value_size,
-                       std::int32_t& status)
-    {
-        const std::int32_t set = in.set();
-        switch (key) {
-        case 1000:
-            KOB_WRITE_ENTITYRESULTS(file_.handle(), in.text("etyp"), in.ints("nent"), in.text("etypvar"),
-                                    in.ints("ncoo"), in.text("etypzone"), in.ints("zoneid"), in.text("etypframe"),
-                                    in.ints("fswitch"), in.ints("dmpswitch"), in.ints("nindex"), &zero,
-                                    in.ints("indexident"), in.reals("indexval"), in.ints("entid"), in.ints("fidglob"),
-                                    in.ints("fid"), in.text("operator"), in.reals("weight"), in.reals("res"), &set,
-                                    &state, in.filter_flags(), in.filter_params(), &value_size, &status);
-            break;
-        case 1050:
-            KOB_WRITE_MULTIENTITYRESULTS(
-                file_.handle(), in.text("series"), in.text("etyp"), in.ints("nent"), in.text("etypvar"),
-                in.ints("ncoo"), in.text("etypzone"), in.ints("zoneid"), in.text("etypframe"), in.ints("fswitch"),
-                in.ints("dmpswitch"), in.ints("nindex"), in.ints("indexident"), in.reals("indexval"), in.ints("entid"),
-                in.ints("fidglob"), in.ints("fid"), in.text("operator"), in.reals("weight"), in.reals("res"), &set,
-                in.ints("nstate"), in.filter_flags(), in.filter_params(), &value_size, &status);
-            break;
-        case 1100:
-            KOB_WRITE_ELEMENTRESULTS(file_.handle(), in.text("etypelem"), in.ints("nele"), in.text("etypvar"),
-                                     in.ints("ncoo"), in.ints("numl"), in.ints("ndim"), in.text("etypzone"),
-                                     in.ints("zoneid"), in.text("etypframe"), in.ints("fswitch"), in.ints("dmpswitch"),
-                                     in.ints("nindex"), &zero, in.ints("indexident"), in.reals("indexval"),
-                                     in.ints("idele"), in.ints("fidglob"), in.ints("fid"), in.reals("eloc"),
-                                     in.text("operator"), in.reals("weight"), in.reals("res"), &set, &state,
-                                     in.filter_flags(), in.filter_params(), &value_size, &status);
-            break;
-        default:
-            KOB_WRITE_MULTIELEMENTRESULTS(
-                file_.handle(), in.text("series"), in.text("etypelem"), in.ints("nele"), in.text("etypvar"),
-                in.ints("ncoo"), in.ints("numl"), in.ints("ndim"), in.text("etypzone"), in.ints("zoneid"),
-                in.text("etypframe"), in.ints("fswitch"), in.ints("dmpswitch"), in.ints("nindex"),
-                in.ints("indexident"), in.reals("indexval"), in.ints("idele"), in.ints("fidglob"), in.ints("fid"),
-                in.reals("eloc"), in.text("operator"), in.reals("weight"), in.reals("res"), &set, in.ints("nstate"),
-                in.filter_flags(), in.filter_params(), &value_size, &status);
-        }
-    }
-
-    void write_matrix(const Source& in, std::int32_t key, std::int32_t state, std::int32_t value_size,
-                      std::int32_t& status)
-    {
-        const auto write_by = [&](auto writer, auto... sizes) {
-            writer(file_.handle(), in.text("etyp"), in.ints("entid"), in.text("etypvar"), sizes..., in.ints("nindex"),
-                   &zero, in.ints("indexident"), in.reals("indexval"), in.reals("val"), &state, in.filter_flags(),
-                   in.filter_params(), &value_size, &zero, nullptr, nullptr, &status, matrix_text_length,
-                   matrix_text_length);
-        };
-        switch (key) {
-        case 10000:
-            write_by(KOB_WRITE_DENSEMATRIX, in.ints("nrow"), in.ints("ncolumn"));
-            break;
-        case 10100:
-            write_by(KOB_WRITE_TRIANGULARMATRIX, in.ints("nsize"), in.ints("matrixtype"));
-            break;
-        default:
-            KOB_WRITE_SPARSEMATRIX(file_.handle(), in.text("etyp"), in.ints("entid"), in.text("etypvar"),
-                                   in.ints("nrow"), in.longs("nnz"), in.ints("nindex"), &zero, in.ints("indexident"),
-                                   in.reals("indexval"), in.ints("colind"), in.longs("rowptr"), in.reals("val"), &state,
-                                   in.filter_flags(), in.filter_params(), &value_size, &zero, nullptr, nullptr, &status,
-                                   matrix_text_length, matrix_text_length);
-        }
     }
 
     /// A variables block becomes a variable, and a group of this one variable.
@@ -287,7 +145,7 @@ private:
     }
 
     /// Each index value becomes a variable, all of them the group that the index block names.
-    void write_index(const Source& in, std::int32_t& status)
+    void write_index(const Source& in, const Entry& entry)
     {
         const std::int32_t nindex = in.integer("nindex");
         std::vector<std::string> keys;
@@ -299,12 +157,15 @@ private:
         }
         const std::string group = free_name("INDEX");
         write_group(group, keys, std::vector<std::int32_t>(keys.size(), 1));
+        std::int32_t status = 0;
         KOB_WRITE_INDEX(file_.handle(), &nindex, field(group).data(), nullptr, nullptr, &status);
+        check(status, short_path(entry));
     }
 
-    /// The units of the floating-point parameters become those of a variable.
-    void write_connectivities(const Source& in, std::int32_t state, std::int32_t& status)
+    /// The units of the floating-point parameters become those of a variable. The block gets the names that it lacks.
+    void complete_connectivities(Block& block)
     {
+        const Source in{block};
         const std::int32_t parameters = in.integer("nbfloat");
         std::string group;
         if (parameters > 0) {
@@ -312,13 +173,8 @@ private:
             write_variable(group, std::vector<std::string>(static_cast<std::size_t>(parameters)), 0, 1, in.units());
             write_group(group, {group}, {parameters});
         }
-        const std::string blank = field("");
-        KOB_WRITE_CONNECTIVITIES(file_.handle(), blank.data(), in.text("etypelem"), in.text("etyppart"),
-                                 in.text("etypnode"), field(group).data(), in.ints("nele"), in.ints("npele"),
-                                 in.ints("ndim"), in.ints("nbint"), in.ints("nbfloat"), in.ints("nindex"), &zero,
-                                 in.ints("indexident"), in.reals("indexval"), in.ints("idele"), in.ints("pid"),
-                                 in.ints("ic"), in.ints("iparam"), in.reals("fparam"), &state, in.filter_flags(),
-                                 in.filter_params(), &float_size_, &status);
+        block.items.push_back(text_attribute("etyp", ""));
+        block.items.push_back(text_attribute("etypvar", group));
     }
 
     /// Names of components become their subscripts.
