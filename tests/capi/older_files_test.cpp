@@ -423,6 +423,28 @@ TEST(OlderSearch, Names_are_compared_in_the_header)
     EXPECT_THAT(keys_of(file, {.key = 10100, .etypvar = "STIFFNESS", .matrixtype = 5}), IsEmpty());
 }
 
+TEST(OlderSearch, Matrices_are_tested_by_their_type)
+{
+    const KobFile file;
+    older::TriangularMatrix matrix;
+    matrix.matrixtype = 2;
+    expect_fine(matrix.write(file.handle()));
+    EXPECT_THAT(keys_of(file, {.etyp = "SUPERELEMENT", .etypvar = "STIFFNESS", .matrixtype = 2}), ElementsAre(10100));
+    EXPECT_THAT(keys_of(file, {.matrixtype = 3}), IsEmpty());
+}
+
+TEST(OlderSearch, A_block_of_the_current_layout_has_no_key)
+{
+    const KobFile file;
+    expect_fine(older::Text{}.write(file.handle()));
+    expect_fine(older::ActivFlags{}.write_current(file.handle()));
+    const auto found = search(file.handle(), {});
+    EXPECT_THAT(found.keys, ElementsAre(40, 0));
+    EXPECT_THAT(found.typenames, ElementsAre("text", "n/a"));
+    EXPECT_THAT(keys_of(file, {.key = 2100}), IsEmpty());
+    EXPECT_THAT(keys_of(file, {.entid = 30}), IsEmpty());
+}
+
 TEST(OlderSearch, A_variables_block_is_tested_by_its_name)
 {
     const KobFile file;

@@ -16,6 +16,9 @@ void write_result_kinds(KobFile& file);
 /// and of activation flags.
 void write_quad_results(KobFile& file);
 
+/// A dense matrix of one node.
+void write_node_matrix(KobFile& file, std::int32_t node);
+
 /// A series of entity results alone: values 1000 times state plus number in the state plus 0.5, index values 0, 0.25, ...
 void write_series(KobFile& file, std::int32_t states, std::int32_t entities);
 

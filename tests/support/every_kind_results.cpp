@@ -53,6 +53,14 @@ void write_quad_results(KobFile& file)
     EXPECT_EQ(flags.write(file).status, 0);
 }
 
+void write_node_matrix(KobFile& file, std::int32_t node)
+{
+    DenseMatrix matrix;
+    matrix.etyp = "NODE";
+    matrix.entid = node;
+    EXPECT_EQ(matrix.write(file).status, 0);
+}
+
 void write_series(KobFile& file, std::int32_t states, std::int32_t entities)
 {
     MultiEntityResults series;

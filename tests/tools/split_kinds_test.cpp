@@ -201,6 +201,20 @@ TEST_F(SplitKinds, BlocksOfEntitiesOutsideTheModelAreInOneDomainIfTheMergerDoesN
     EXPECT_EQ(alone, 7);
 }
 
+TEST_F(SplitKinds, AMatrixIsInTheFirstDomainThatHoldsItsEntity)
+{
+    KobFile file{sample_.path(), update};
+    for (const int node : {1, 2, 3}) write_node_matrix(file, node); // of the first domain, of both, of the second one
+    file.close();
+    const Domains domains{sample_.path(), 2};
+    const std::string path = "singlestate/state000000000012/densematrix/NODE/STIFFNESS/id";
+    for (const int node : {1, 2, 3}) {
+        const std::string block = path + std::to_string(node) + "/kobblock";
+        EXPECT_EQ(has(domains[0], block), node != 3) << node;
+        EXPECT_EQ(has(domains[1], block), node == 3) << node;
+    }
+}
+
 TEST_F(SplitKinds, EveryKindMergedAgainIsTheModel)
 {
     KobFile file{sample_.path(), update};

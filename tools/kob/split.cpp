@@ -22,6 +22,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace kob::program {
@@ -212,17 +213,16 @@ void write_domains(const File& file, const Partition& partition, const SplitOpti
         progress.add(1);
         if (!can_split(entry.key)) continue;
         const Block block = read_block(file, entry, Depth::values);
-        bool is_moved = false;
+        bool is_checked = false; // it has the same path in each domain
         for (std::size_t i = 0; i < targets.size(); ++i) {
             const std::optional<Block> part = part_of(block, partition, i);
             if (!part) continue;
             write_block(*part, entry, layout, targets[i].handle(), storing_of(*part, options.float_size));
             ++result.blocks[i];
-            is_moved = is_moved || !is_at_its_path(targets[i], entry);
+            if (!std::exchange(is_checked, true) && !is_at_its_path(targets[i], entry))
+                complain("kob split",
+                         fmt::format("warning: {}: the block has another path now", printable(short_path(entry))));
         }
-        if (is_moved)
-            complain("kob split",
-                     fmt::format("warning: {}: the block has another path now", printable(short_path(entry))));
     }
     for (WrittenFile& target : targets) target.close();
 }
