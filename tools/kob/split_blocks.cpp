@@ -10,7 +10,6 @@
 #include <array>
 #include <string>
 #include <string_view>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -108,12 +107,7 @@ Item outline_of(const Item& item)
 Item copy_of(const Item& item)
 {
     Item copy = outline_of(item);
-    std::visit(
-        [&](const auto& values) {
-            using Values = std::remove_cvref_t<decltype(values)>;
-            copy.values = values.size() > 0 ? buffer_of(values.data(), values.size()) : Values{};
-        },
-        item.values);
+    std::visit([&](const auto& values) { copy.values = buffer_of(values.data(), values.size()); }, item.values);
     return copy;
 }
 
