@@ -156,6 +156,18 @@ extern "C" {
  *  filter_params[0] is the number of decimal digits behind the point that bit 128 keeps (0 to 256), filter_params[1]
  *  the deflate level (0 to 9). Elements of a scale-offset dataset that are never written read as 10000.
  *
+ *  **What scale-offset promises.** With bit 64 every integer comes back as it was given. With bit 128 and D digits no
+ *  value that is read differs from the given one, rounded to the stored size, by more than half of 10^-D (10^-D for
+ *  values that lie within 10^-D of 10000) plus one unit in the last place of the chunk's largest magnitude. A chunk
+ *  where that cannot be had is stored without the scale-offset step, exactly: one that holds a NaN or an infinity, whose
+ *  range needs all bits of the stored size, or whose digits reach beyond the stored precision. Its filter mask in the
+ *  file says so, and every HDF5 library reads it. Where several writes share a chunk (a series under
+ *  KOB_SET_CHUNK_SIZE(), a block or points of a dataset), what an earlier one left stays bit for bit as it reads, if
+ *  need be by storing the chunk without the step from then on. The promise is for values written through this library;
+ *  HDF5 itself, writing into the same dataset, makes no such promise.
+ *
+ *  Chunks at full precision, which HDF5 wrote for such ranges and which its version 1.14.6 refuses to read, are read.
+ *
  *  A dataset of at most 7 elements is never filtered. Unfiltered datasets of at most 24000 bytes are kept in the object
  *  header. Writers clear bit 128 for index values, weights, unit tables and other auxiliary numbers: lossy compression
  *  reaches result values (and the component map of a variable) alone.

@@ -24,4 +24,13 @@ ChunkTransfer write_chunks(hid_t dataset, hid_t memory_type, const Block& block,
 /// Reads a block of a dataset.
 ChunkTransfer read_chunks(hid_t dataset, hid_t memory_type, const Block& block, void* data) noexcept;
 
+/// Writes or reads single elements; `coordinates` are the positions of one after the other, which lie in the dataset.
+/// Taken under scale-offset alone: there HDF5 would round again what lies beside, and cannot read every chunk.
+ChunkTransfer write_points(hid_t dataset, hid_t memory_type, std::span<const hsize_t> coordinates,
+                           const void* data) noexcept;
+ChunkTransfer read_points(hid_t dataset, hid_t memory_type, std::span<const hsize_t> coordinates, void* data) noexcept;
+
+/// Cuts a dataset back to its first rows. Under scale-offset what stays in a chunk that was cut is as it was.
+bool cut_chunks(hid_t dataset, hsize_t rows) noexcept;
+
 } // namespace kob

@@ -8,7 +8,6 @@
 #include "kob_storage_types.hpp"
 
 #include <algorithm>
-#include <optional>
 #include <utility>
 
 namespace kob {
@@ -63,13 +62,16 @@ public:
         return true;
     }
 
-    /// The block that is transferred, no extents for the whole dataset; nothing for points.
-    [[nodiscard]] std::optional<Block> block() const
+    /// Writes or reads the chunks of a filtered dataset, if they are not left to HDF5.
+    ChunkTransfer write_chunks(hid_t dataset, hid_t memory_type, const void* data) const
     {
-        if (mode_ == access_mode::points) {
-            return {};
-        }
-        return mode_ == access_mode::block ? Block{{first_.data(), rank_}, {count_.data(), rank_}} : Block{};
+        return mode_ == access_mode::points ? write_points(dataset, memory_type, placed_, data)
+                                            : kob::write_chunks(dataset, memory_type, block(), data);
+    }
+    ChunkTransfer read_chunks(hid_t dataset, hid_t memory_type, void* data) const
+    {
+        return mode_ == access_mode::points ? read_points(dataset, memory_type, placed_, data)
+                                            : kob::read_chunks(dataset, memory_type, block(), data);
     }
 
     /// The dataspace in the file with the selection made in it.
@@ -115,6 +117,12 @@ private:
         first = static_cast<hsize_t>(from);
         extent = std::max(extent, reach);
         return true;
+    }
+
+    /// No extents for the whole dataset.
+    [[nodiscard]] Block block() const
+    {
+        return mode_ == access_mode::block ? Block{{first_.data(), rank_}, {count_.data(), rank_}} : Block{};
     }
 
     bool place_points(std::span<hsize_t> extents, std::span<const hsize_t> maximum, std::int32_t& outside)
@@ -336,9 +344,8 @@ private:
                 source = texts.data();
             }
         }
-        const auto block = is_filtered_ ? selection.block() : std::nullopt;
         const ChunkTransfer chunks =
-            block ? write_chunks(dataset_.get(), transferred, *block, source) : ChunkTransfer::left;
+            is_filtered_ ? selection.write_chunks(dataset_.get(), transferred, source) : ChunkTransfer::left;
         const herr_t result = chunks != ChunkTransfer::left ? chunk_result(chunks)
                               : mode == access_mode::whole  ? write_whole(transferred, source)
                                                             : H5Dwrite(dataset_.get(), transferred, memory.get(),
@@ -459,8 +466,8 @@ std::int32_t KOB_H5Dread(const char* name, void* data, std::int32_t kob_type, st
         }
     }
     const hid_t transferred = kob_type == type_code::text ? stored.get() : memory;
-    const auto block = may_have_filters(dataset.get()) ? chosen.block() : std::nullopt;
-    const ChunkTransfer chunks = block ? read_chunks(dataset.get(), transferred, *block, data) : ChunkTransfer::left;
+    const ChunkTransfer chunks =
+        may_have_filters(dataset.get()) ? chosen.read_chunks(dataset.get(), transferred, data) : ChunkTransfer::left;
     const herr_t result = chunks != ChunkTransfer::left ? chunk_result(chunks)
                           : mode == access_mode::whole
                               ? read_whole(dataset.get(), stored.get(), transferred, data)

@@ -2,6 +2,7 @@
 // Type codes and their HDF5 types, the fill value, and small questions about stored objects.
 #include "kob_storage_types.hpp"
 
+#include "kob_chunk_transfer.hpp"
 #include "kob_message.hpp"
 
 #include <algorithm>
@@ -226,11 +227,7 @@ void cut_rows(hid_t location, const char* name, std::int64_t rows) noexcept
         return;
     }
     const Id dataset{H5Dopen2(location, name, H5P_DEFAULT), H5Dclose};
-    Extents extents{};
-    if (extents_of(dataset.get(), extents) > 0) {
-        extents[0] = static_cast<hsize_t>(rows);
-        H5Dset_extent(dataset.get(), extents.data());
-    }
+    cut_chunks(dataset.get(), static_cast<hsize_t>(rows));
 }
 
 std::int64_t element_size(hid_t location, const char* name) noexcept

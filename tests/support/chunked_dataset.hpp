@@ -3,10 +3,12 @@
 #pragma once
 
 #include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -34,6 +36,13 @@ private:
     H5E_auto2_t printer_ = nullptr;
     void* printer_data_ = nullptr;
 };
+
+/// Are two numbers the same bit for bit? A NaN is itself, and 0 is not -0.
+template <class Real> bool same_bits(Real one, Real other)
+{
+    using Bits = std::conditional_t<sizeof(Real) == 4, std::uint32_t, std::uint64_t>;
+    return std::bit_cast<Bits>(one) == std::bit_cast<Bits>(other);
+}
 
 /// A part of a dataset.
 struct BlockOf {
@@ -114,6 +123,18 @@ inline RawChunk raw_chunk(hid_t dataset, const std::vector<hsize_t>& origin)
     return chunk;
 }
 
+/// Opens a dataset anew: HDF5 then looks into the file.
+inline void reopen(Hid& dataset)
+{
+    std::string name(256, '\0');
+    H5Iget_name(dataset, name.data(), name.size());
+    const Hid file{H5Iget_file_id(dataset)};
+    {
+        const Hid closed{std::move(dataset)};
+    }
+    dataset = Hid{H5Dopen2(file, name.c_str(), H5P_DEFAULT)};
+}
+
 /// Puts a chunk into the file as it is. The dataset is opened anew, because HDF5 remembers a wrong mask for the chunk
 /// that was last written raw; and another size is written first, because it keeps the mask of one that it overwrites.
 inline void put_raw_chunk(Hid& dataset, const std::vector<hsize_t>& origin, RawChunk chunk)
@@ -126,13 +147,7 @@ inline void put_raw_chunk(Hid& dataset, const std::vector<hsize_t>& origin, RawC
     EXPECT_GE(put(), 0);
     chunk.bytes.pop_back();
     EXPECT_GE(put(), 0);
-    std::string name(256, '\0');
-    H5Iget_name(dataset, name.data(), name.size());
-    const Hid file{H5Iget_file_id(dataset)};
-    {
-        const Hid closed{std::move(dataset)};
-    }
-    dataset = Hid{H5Dopen2(file, name.c_str(), H5P_DEFAULT)};
+    reopen(dataset);
 }
 
 } // namespace kob_test
