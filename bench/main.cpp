@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // kob_bench: the library's calls against hand-written plain HDF5 that makes the same files.
+#include "peers.hpp"
 #include "report.hpp"
 #include "rows.hpp"
 #include "scratch.hpp"
@@ -8,6 +9,7 @@
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <optional>
@@ -63,26 +65,26 @@ std::optional<double> growth_of(const Result& result, const std::vector<Result>&
     return {};
 }
 
-int measure_all(const std::vector<Row>& chosen, int count, const Scratch& scratch, const std::string& json_file)
+std::vector<Result> measure_all(const std::vector<Row>& chosen, int count, const Scratch& scratch)
 {
     std::vector<Result> results;
-    bool hold = true;
     print_head();
     for (const Row& row : chosen) {
         Result result = measure_row(row, count, scratch);
         result.growth = growth_of(result, results);
         print_line(result);
-        hold = hold && result.missed().empty();
         results.push_back(std::move(result));
     }
-    if (!json_file.empty()) {
-        std::ofstream file{json_file};
-        file << json_text(results) << std::flush;
-        if (!file) {
-            throw std::runtime_error{"cannot write " + json_file};
-        }
+    return results;
+}
+
+void keep(const std::string& text, const std::string& file_name)
+{
+    std::ofstream file{file_name};
+    file << text << std::flush;
+    if (!file) {
+        throw std::runtime_error{"cannot write " + file_name};
     }
-    return hold ? 0 : 1;
 }
 
 std::vector<Row> choose(const std::vector<Row>& all, const std::string& filter)
@@ -106,11 +108,14 @@ int main(int argc, char** argv)
     std::string filter;
     std::string json_file;
     std::filesystem::path folder = default_folder();
+    std::filesystem::path peers;
     bool verify = false;
     app.add_option("--runs", count, "Runs of each program; medians are shown")->check(CLI::PositiveNumber);
     app.add_option("--filter", filter, "Only work whose name holds this text");
     app.add_option("--json", json_file, "Also write everything, single runs included, to this file");
     app.add_option("--dir", folder, "Folder for the files, 1.3 GB at most; else one in memory if there is room")
+        ->check(CLI::ExistingDirectory);
+    app.add_option("--peers", peers, "Also run the programs of other formats in this folder, built from bench/peers")
         ->check(CLI::ExistingDirectory);
     app.add_flag("--verify", verify, "Measure nothing; check with tiny files that both programs do the same");
     CLI11_PARSE(app, argc, argv);
@@ -123,9 +128,19 @@ int main(int argc, char** argv)
         }
         const Scratch scratch{folder};
         if (verify) {
-            return count_different(chosen, scratch) == 0 ? 0 : 1;
+            return count_different(chosen, scratch) + count_lossy(scratch) == 0 ? 0 : 1;
         }
-        return measure_all(chosen, count, scratch, json_file);
+        const std::vector<Result> results = measure_all(chosen, count, scratch);
+        std::vector<PeerResult> of_peers;
+        if (!peers.empty()) {
+            of_peers = measure_peers(peers, filter, count, scratch);
+        }
+        if (!json_file.empty()) {
+            keep(json_text(results, of_peers), json_file);
+        }
+        return std::all_of(results.begin(), results.end(), [](const Result& result) { return result.missed().empty(); })
+                   ? 0
+                   : 1;
     } catch (const std::exception& error) {
         fmt::print(stderr, "kob_bench: {}\n", error.what());
         return 3;

@@ -69,9 +69,9 @@ double Runs::memory() const { return median(bench::memory(*this)); }
 
 double Runs::memory_noise() const { return half_spread(bench::memory(*this)); }
 
-double Result::ratio() const { return ours.cpu() / raw.cpu(); }
+double ratio(const Runs& ours, const Runs& raw) { return ours.cpu() / raw.cpu(); }
 
-double Result::noise() const
+double noise(const Runs& ours, const Runs& raw)
 {
     std::vector<double> ratios = bench::cpu(ours);
     const std::vector<double> floor = bench::cpu(raw);
@@ -122,7 +122,24 @@ void print_line(const Result& result)
     std::fflush(stdout);
 }
 
-std::string json_text(const std::vector<Result>& results)
+void print_peer_head(const std::string& name)
+{
+    fmt::print("\n{:<36}{:^18}{:^15}{:^17}{:^17}\n", name, "CPU seconds", "CPU to bare", "memory MB", "file MB");
+    fmt::print("{:<36}{:>8} {:>8}  {:>6} {:>6} {:>8} {:>7} {:>8} {:>7}\n", "", "library", "bare", "ratio", "+-",
+               "library", "bare", "library", "bare");
+}
+
+void print_peer_line(const PeerResult& result)
+{
+    const auto& [name, work, library, plain] = result;
+    fmt::print("{:<36}{:>8.3f} {:>8.3f}  {:>6.2f} {:>6.2f} {:>8.1f} {:>7.1f} {:>8.1f} {:>7.1f}\n", work, library.cpu(),
+               plain.cpu(), ratio(library, plain), noise(library, plain), library.memory() / mega,
+               plain.memory() / mega, static_cast<double>(library.file_bytes) / mega,
+               static_cast<double>(plain.file_bytes) / mega);
+    std::fflush(stdout);
+}
+
+std::string json_text(const std::vector<Result>& results, const std::vector<PeerResult>& peers)
 {
     const auto runs = [](const Runs& of) {
         nlohmann::json list = nlohmann::json::array();
@@ -135,7 +152,7 @@ std::string json_text(const std::vector<Result>& results)
         }
         return nlohmann::json{{"runs", list}, {"file_bytes", of.file_bytes}};
     };
-    nlohmann::json document = nlohmann::json::array();
+    nlohmann::json document{{"work", nlohmann::json::array()}, {"peers", nlohmann::json::array()}};
     for (const Result& result : results) {
         const Figures& figures = result.row.figures;
         nlohmann::json line{{"work", result.row.name},
@@ -153,7 +170,15 @@ std::string json_text(const std::vector<Result>& results)
             line["growth"] = {
                 {"of", result.row.growth.smaller}, {"ratio", *result.growth}, {"hold", result.row.growth.hold}};
         }
-        document.push_back(line);
+        document["work"].push_back(line);
+    }
+    for (const PeerResult& result : peers) {
+        document["peers"].push_back({{"library", result.name},
+                                     {"work", result.work},
+                                     {"runs_of_library", runs(result.library)},
+                                     {"runs_of_bare_numbers", runs(result.plain)},
+                                     {"ratio", ratio(result.library, result.plain)},
+                                     {"noise", noise(result.library, result.plain)}});
     }
     return document.dump(2) + "\n";
 }

@@ -17,11 +17,12 @@ struct SeriesSet {
 struct State : Block {
     explicit State(const SeriesSet& set);
     void select(std::int32_t state);
-
-    Text256 series = text256("RUN");
 };
 
 template <> const Program<SeriesSet> Programs<SeriesSet>::ours;
 template <> const Program<SeriesSet> Programs<SeriesSet>::raw;
+
+/// Through the library, a series for each variable of a result set; read state by state, values alone.
+extern const Program<ResultSet> ours_in_series;
 
 } // namespace bench

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// A growing series through the library: a call for each state.
+// Growing series through the library: a call for each state.
 #include "ours.hpp"
 #include "series.hpp"
 
@@ -8,24 +8,80 @@
 namespace bench {
 namespace {
 
+const Text256 run = text256("RUN");
+
+/// Adds a state to the series of the block's variable.
+void append_state(const File& results, const Block& b, std::int32_t step, const FilterArguments& filters)
+{
+    const std::int32_t no_set = -1;
+    const std::int32_t eight_bytes = 8;
+    const std::int32_t row = step == 0 ? 1 : -step; // a run of one state, then single states
+    std::int32_t status = 0;
+    KOB_WRITE_MULTIENTITYRESULTS(results.group(), run.data(), b.etyp.data(), &b.nent, b.etypvar.data(), &b.ncoo,
+                                 b.etypzone.data(), &b.zoneid, b.etypframe.data(), &b.fswitch, &b.dmpswitch, &b.nindex,
+                                 &b.indexident, &b.indexval, b.entid.data(), &b.fidglob, nullptr, nullptr, nullptr,
+                                 b.res.data(), &no_set, &row, &filters.flags, filters.params.data(), &eight_bytes,
+                                 &status);
+    check(status, "KOB_WRITE_MULTIENTITYRESULTS");
+}
+
 Work append(const SeriesSet& set, const std::string& file, Digest*)
 {
     return [set, file, state = std::make_shared<State>(set)] {
-        State& s = *state;
         const File results{file, create};
-        const std::int32_t no_set = -1;
-        const std::int32_t eight_bytes = 8;
         const FilterArguments filters{set.packing};
         for (std::int32_t step = 0; step < set.states; ++step) {
-            s.select(step);
-            const std::int32_t row = step == 0 ? 1 : -step; // a run of one state, then single states
-            std::int32_t status = 0;
-            KOB_WRITE_MULTIENTITYRESULTS(results.group(), s.series.data(), s.etyp.data(), &s.nent, s.etypvar.data(),
-                                         &s.ncoo, s.etypzone.data(), &s.zoneid, s.etypframe.data(), &s.fswitch,
-                                         &s.dmpswitch, &s.nindex, &s.indexident, &s.indexval, s.entid.data(),
-                                         &s.fidglob, nullptr, nullptr, nullptr, s.res.data(), &no_set, &row,
-                                         &filters.flags, filters.params.data(), &eight_bytes, &status);
-            check(status, "KOB_WRITE_MULTIENTITYRESULTS");
+            state->select(step);
+            append_state(results, *state, step, filters);
+        }
+    };
+}
+
+Work write(const ResultSet& set, const std::string& file, Digest*)
+{
+    return [set, file, block = std::make_shared<Block>(set)] {
+        const File results{file, create};
+        const FilterArguments filters{set.packing};
+        for (std::int32_t state = 0; state < set.states; ++state) {
+            for (std::size_t variable = 0; variable < set.variables.size(); ++variable) {
+                block->select(set, state, variable);
+                append_state(results, *block, state, filters);
+            }
+        }
+    };
+}
+
+/// The values of a state, into the block.
+void read_state(const OpenBlock& series, Block& b, std::int32_t state)
+{
+    const std::int32_t values_of_state = 3;
+    const std::int32_t whole = 0;
+    std::int32_t filters = 0;
+    std::array<std::int32_t, 2> params{};
+    std::int32_t status = 0;
+    KOB_READ_MULTIENTITYRESULTC(series.group(), &values_of_state, nullptr, nullptr, &b.nent, nullptr, &b.ncoo, nullptr,
+                                nullptr, nullptr, &b.fswitch, &b.dmpswitch, &b.nindex, &state, nullptr, nullptr,
+                                nullptr, nullptr, nullptr, nullptr, nullptr, b.res.data(), &filters, params.data(),
+                                &whole, nullptr, nullptr, &status);
+    check(status, "KOB_READ_MULTIENTITYRESULTC");
+}
+
+Work read(const ResultSet& set, const std::string& file, Digest* digest)
+{
+    return [set, file, digest, block = std::make_shared<Block>(set)] {
+        const File results{file, read_only};
+        std::vector<std::unique_ptr<OpenBlock>> series;
+        for (const std::string& variable : set.variables) {
+            series.push_back(std::make_unique<OpenBlock>(results, "multistate/RUN/multientityresults/NODE/" + variable +
+                                                                      "/kobblock"));
+        }
+        for (std::int32_t state = 0; state < set.states; ++state) {
+            for (const auto& of_variable : series) {
+                read_state(*of_variable, *block, state);
+                if (digest != nullptr) {
+                    digest->add(block->res);
+                }
+            }
         }
     };
 }
@@ -33,5 +89,7 @@ Work append(const SeriesSet& set, const std::string& file, Digest*)
 } // namespace
 
 template <> const Program<SeriesSet> Programs<SeriesSet>::ours{append};
+
+const Program<ResultSet> ours_in_series{write, read};
 
 } // namespace bench

@@ -75,7 +75,7 @@ private:
 void write_static_part(const BlockWriter& to, hid_t group, const State& s, const Packing& packing)
 {
     to.frame(group, 1050);
-    to.text(group, "series", s.series);
+    to.text(group, "series", text256("RUN"));
     to.text(group, "etyp", s.etyp);
     to.integer(group, "nent", s.nent);
     to.text(group, "etypvar", s.etypvar);
