@@ -18,7 +18,10 @@ std::vector<std::int32_t> nodes_of(const MergeSet& set, std::int32_t domain)
             nodes.push_back(1 + line * row + first + i);
         }
     }
-    std::shuffle(nodes.begin(), nodes.end(), std::mt19937{static_cast<unsigned>(domain)}); // NOLINT: the same each time
+    if (!set.is_ordered) {
+        std::shuffle(nodes.begin(), nodes.end(),
+                     std::mt19937{static_cast<unsigned>(domain)}); // NOLINT: always the same
+    }
     return nodes;
 }
 

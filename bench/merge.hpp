@@ -15,7 +15,8 @@ namespace bench {
 struct MergeSet {
     std::int32_t domains = 0;
     std::int32_t states = 0;
-    std::int32_t edge = 0; ///< nodes along an edge of a cube
+    std::int32_t edge = 0;   ///< nodes along an edge of a cube
+    bool is_ordered = false; ///< the nodes of each domain are ascending, else in no order, always the same
 
     [[nodiscard]] std::int32_t nodes_of_domain() const { return edge * edge * edge; }
     [[nodiscard]] std::int32_t nodes() const { return (domains * (edge - 1) + 1) * edge * edge; }
@@ -23,8 +24,7 @@ struct MergeSet {
     [[nodiscard]] ResultSet results(std::int32_t nent) const { return {states, {"DISPLACEMENT"}, nent, 3, 8}; }
 };
 
-/// The nodes of a domain in no order, always the same. They are numbered along the first axis first: the cut goes
-/// through every row of them.
+/// The nodes of a domain. They are numbered along the first axis first: the cut goes through every row of them.
 std::vector<std::int32_t> nodes_of(const MergeSet& set, std::int32_t domain);
 
 /// The file of a domain, beside the file that they are merged into.

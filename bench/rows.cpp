@@ -58,7 +58,10 @@ SparseSet sparse(Size size) { return size == Size::real ? SparseSet{1'000'000, 1
 
 HexahedraSet hexahedra(Size size) { return {size == Size::real ? 1'000'000 : 7000}; }
 
-MergeSet domains(Size size) { return size == Size::real ? MergeSet{8, 10, 50} : MergeSet{3, 2, 16}; }
+MergeSet domains(Size size, bool is_ordered = false)
+{
+    return size == Size::real ? MergeSet{8, 10, 50, is_ordered} : MergeSet{3, 2, 16, is_ordered};
+}
 
 /// The values of a state.
 double state_bytes(double nent, double ncoo) { return sizeof(double) * nent * ncoo; }
@@ -151,6 +154,7 @@ std::vector<Row> rows(Size size)
         packed(write("append 200 x 20,000 x 3, deflate 6", series(size, deflate_6), {0.55, 0.20, 5 * mega})),
         erase("erase 1,000 of 2,000 states", erasing(size), {1.05, 0.55, 5 * mega}),
         merge("merge 8 x 125,000, against a sort", domains(size), merge_sorting, 0.40, 0.15, true),
+        merge("merge 8 x 125,000 in order, against a sort", domains(size, true), merge_sorting, 0.40, 0.15, true),
         merge("merge 8 x 125,000, against a copy", domains(size), copy_rows, 1.50, 1.00, false),
         write("write 10^6 hexahedra", hexahedra(size), {1.05, 1.00, 2 * mega}),
         read("read 10^6 hexahedra", hexahedra(size), {1.05, 1.00, 2 * mega}),

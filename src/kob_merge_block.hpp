@@ -168,6 +168,16 @@ template <class Block> std::int32_t values_pass(const Block& block, Generation g
     }
 }
 
+/// Are the rows of a merged block in its memory? Large values may be left to those who write them.
+template <class Block> bool holds_rows(const Block& block)
+{
+    if constexpr (requires { block.holds_values; }) {
+        return block.holds_values;
+    } else {
+        return true;
+    }
+}
+
 /// One dataset of a block with a row for each entity.
 template <class T> struct Column {
     const char* name;

@@ -10,6 +10,7 @@
 #include "kob_merge_results.hpp"
 #include "kob_merge_series.hpp"
 #include "kob_merge_target.hpp"
+#include "kob_merge_windows.hpp"
 #include "kob_tool.hpp"
 
 #include <algorithm>
@@ -199,8 +200,13 @@ private:
         say(message::merge_create_merged, static_cast<std::int32_t>(blocks.size()), kind.name);
         Spare<Block> spare{empty, empty};
         for (const SharedBlock& shared : blocks) {
-            Block merged = merge_rows(kind, shared, empty, spare);
-            write_merged(kind, *shared.front().entry, merged);
+            Gathered<Block> gathered = gather(files_, unions_, kind, shared, empty);
+            if constexpr (std::is_same_v<Block, EntityResults>) {
+                leave_values_to_windows(shared, gathered);
+            }
+            Block merged = merge_rows(kind, shared, gathered, spare);
+            check_index_values(family_, merged.index.nindex);
+            write_merged(kind, shared, gathered, merged);
             swap_rows(merged, spare.merged);
         }
     }
@@ -213,11 +219,10 @@ private:
 
     /// Reads the blocks of a path, the last domain's first: where several hold an entity, the first one's row stays.
     template <class Block>
-    Block merge_rows(const BlockKind& kind, const SharedBlock& shared, const Block& empty, Spare<Block>& spare)
+    Block merge_rows(const BlockKind& kind, const SharedBlock& shared, Gathered<Block>& gathered, Spare<Block>& spare)
     {
-        Gathered<Block> gathered = gather(files_, unions_, kind, shared, empty);
         Block merged = frame_of(gathered, spare.merged);
-        std::vector<char> seen;
+        SharedNodes nodes;
         for (std::size_t i = shared.size(); i-- > 0;) {
             Block& domain = gathered.domains[i];
             if (domain.rows() <= 0 && i != gathered.lead) {
@@ -230,7 +235,10 @@ private:
                 domain_numbers_.add(domain, shared[i].file());
             }
             if constexpr (std::is_same_v<Block, EntityResults>) {
-                compare_coordinates(domain, rows, merged, seen);
+                if (merged.holds_values && is_coordinates(merged)) {
+                    nodes.start_once(gathered.rows->size(), merged.row_bytes());
+                    nodes.compare(domain.res.data(), rows, merged.res.data(), 0);
+                }
             }
             scatter(domain, rows, merged);
             if (domain.compression.is_any()) {
@@ -241,7 +249,7 @@ private:
             }
             swap_rows(domain, spare.domain);
         }
-        different_coordinates_ += static_cast<std::int32_t>(std::count(seen.begin(), seen.end(), seen_different));
+        different_coordinates_ += nodes.different();
         return merged;
     }
 
@@ -251,10 +259,13 @@ private:
         if constexpr (requires { block.conform(merged); }) {
             block.conform(merged);
         }
-        StoredBlock stored_block = files_.open(source);
-        block.make_room(stored_block);
         const Passes& passes = passes_of<Block>(family_.generation);
         const std::int32_t pass = values_pass(block, family_.generation, leads);
+        if (pass == 0) {
+            return; // its rows have nothing but values, and those are for the windows
+        }
+        StoredBlock stored_block = files_.open(source);
+        block.make_room(stored_block);
         std::int32_t status = leads && passes.index != pass ? block.read(stored_block, passes.index) : 0;
         if (status < 0) {
             fail_reading(kind, passes.index, status, source.entry->path);
@@ -265,40 +276,40 @@ private:
         }
     }
 
-    template <class Block> void write_merged(const BlockKind& kind, const TableEntry& source, const Block& merged) const
+    template <class Block>
+    void write_merged(const BlockKind& kind, const SharedBlock& shared, const Gathered<Block>&, const Block& merged)
     {
-        check_index_values(family_, merged.index.nindex);
-        if constexpr (std::is_same_v<Block, EntityResults>) {
-            target_.write_results(source.path, merged, target_.compression_of(merged));
-        } else {
-            target_.write_at(kind, place_of(source, merged), merged, source.path);
-        }
+        const TableEntry& source = *shared.front().entry;
+        target_.write_at(kind, place_of(source, merged), merged, source.path);
     }
 
     // ---- entity results
 
-    static constexpr char seen_once = 1;
-    static constexpr char seen_different = 2;
-
-    /// Marks the nodes whose coordinates differ between the domains read so far.
-    static void compare_coordinates(const EntityResults& domain, RowMap rows, const EntityResults& merged,
-                                    std::vector<char>& seen)
+    void write_merged(const BlockKind&, const SharedBlock& shared, const Gathered<EntityResults>& gathered,
+                      const EntityResults& merged)
     {
-        if (!is_coordinates(merged)) {
+        const std::string& path = shared.front().entry->path;
+        const Compression compression = target_.compression_of(merged);
+        if (merged.holds_values) {
+            target_.write_results(path, merged, compression);
             return;
         }
-        seen.resize(static_cast<std::size_t>(merged.nent));
-        const auto bytes =
-            static_cast<std::size_t>(merged.values_of_row()) * static_cast<std::size_t>(merged.memory_size());
-        for (std::size_t i = 0; i < rows.size(); ++i) {
-            if (rows[i] < 0) {
-                continue;
-            }
-            const auto row = static_cast<std::size_t>(rows[i]);
-            if (seen[row] == 0) {
-                seen[row] = seen_once;
-            } else if (std::memcmp(domain.res.data() + i * bytes, merged.res.data() + row * bytes, bytes) != 0) {
-                seen[row] = seen_different;
+        const Id group = target_.create(path);
+        const Destination to{.generation = family_.generation, .group = group.get(), .compression = compression};
+        if (const std::int32_t status = merged.write_frame(to, gathered.rows->identifiers(windows_.scratch()));
+            status != 0) {
+            fail_writing(kind::entity_results, status, path);
+        }
+        different_coordinates_ += windows_.write(shared, gathered, merged, to);
+    }
+
+    /// Large values that neither side stores in chunks are brought together while they are written.
+    void leave_values_to_windows(const SharedBlock& shared, Gathered<EntityResults>& gathered)
+    {
+        const EntityResults merged = outline_of(gathered);
+        if (target_.stores_unfiltered(merged) && windows_.open(files_, shared, gathered, merged)) {
+            for (EntityResults& domain : gathered.domains) {
+                domain.holds_values = false;
             }
         }
     }
@@ -437,6 +448,7 @@ private:
     Target target_;
     Options options_;
     UnionCache unions_;
+    Windows windows_;
     DomainNumbers domain_numbers_;
     std::int32_t different_coordinates_ = 0;
 };

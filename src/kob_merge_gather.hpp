@@ -9,7 +9,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace kob::merge {
@@ -44,19 +46,28 @@ template <class Block>
     fail_reading(kind, pass, status < 0 ? status : other_extents, path);
 }
 
-template <class Block>
-void read_identifiers(const BlockKind& kind, StoredBlock& source, Block& block, IdentifierLists& lists,
-                      const std::string& path)
-{
-    const auto rows = static_cast<hsize_t>(std::max(block.rows(), 0));
-    const std::span<std::int32_t> list = lists.add(rows);
-    const std::int32_t status =
-        KOB_H5Dread(Block::identifiers, list.data(), type_code::integer, sizeof(std::int32_t), &rows, 1, nullptr,
-                    nullptr, access_mode::whole, source.place(Where::data), nullptr, nullptr, nullptr);
-    if (status < 0) {
-        fail_reading(kind, passes_of<Block>(source.generation()).values, status, path);
+/// The identifiers of blocks as they are stored.
+class StoredLists : public IdentifierLists {
+public:
+    /// What they are called in the blocks, and the pass that a message names when one cannot be read.
+    struct Naming {
+        BlockKind kind;
+        const char* dataset;
+        std::int32_t pass;
+    };
+
+    StoredLists(const DomainFiles& files, SharedBlock sources, std::vector<std::size_t> lengths, const Naming& naming)
+        : IdentifierLists{std::move(lengths)}, files_{files}, sources_{std::move(sources)}, naming_{naming}
+    {
     }
-}
+
+    [[nodiscard]] std::unique_ptr<IdentifierList> open(std::size_t domain) const override;
+
+private:
+    const DomainFiles& files_;
+    SharedBlock sources_;
+    Naming naming_;
+};
 
 /// Blocks without entities may have any shape.
 template <class Block> void check_traits(const SharedBlock& shared, Gathered<Block>& gathered)
@@ -80,7 +91,7 @@ Gathered<Block> gather(const DomainFiles& files, UnionCache& unions, const Block
                        const Block& empty)
 {
     Gathered<Block> gathered;
-    IdentifierLists& lists = unions.new_lists();
+    std::vector<std::size_t> lengths;
     bool has_rows = false;
     for (const Source& source : shared) {
         const std::string& path = source.entry->path;
@@ -93,28 +104,40 @@ Gathered<Block> gather(const DomainFiles& files, UnionCache& unions, const Block
         if (!is_complete(stored_block, block)) {
             fail_incomplete(kind, block, stored_block, path);
         }
-        read_identifiers(kind, stored_block, block, lists, path);
+        lengths.push_back(static_cast<std::size_t>(std::max(block.rows(), 0)));
         if (!has_rows && block.rows() > 0) {
             has_rows = true;
             gathered.lead = gathered.domains.size() - 1;
         }
     }
     check_traits(shared, gathered);
-    gathered.rows = &unions.of(lists);
+    gathered.rows = &unions.of(std::make_shared<StoredLists>(
+        files, shared, std::move(lengths),
+        StoredLists::Naming{kind, Block::identifiers, passes_of<Block>(files.family().generation).values}));
     return gathered;
 }
 
-/// The merged block with its entities, whose values are still to come. Takes over the memory of the one before.
-template <class Block> Block frame_of(Gathered<Block>& gathered, Block& before)
+/// The merged block as its attributes describe it.
+template <class Block> Block outline_of(Gathered<Block>& gathered)
 {
     Block merged = gathered.domains[gathered.lead];
-    swap_rows(merged, before);
     for (Block& domain : gathered.domains) {
         if (domain.rows() > 0) {
             merged.take_in(domain);
         }
     }
-    make_rows(merged, gathered.rows->identifiers());
+    return merged;
+}
+
+/// The merged block, whose values are still to come. Takes over the memory of the one before.
+template <class Block> Block frame_of(Gathered<Block>& gathered, Block& before)
+{
+    Block merged = outline_of(gathered);
+    swap_rows(merged, before);
+    if (holds_rows(merged)) {
+        gathered.rows->copy_identifiers(merged.row_identifiers());
+    }
+    make_columns(merged, gathered.rows->size());
     return merged;
 }
 

@@ -38,7 +38,7 @@ void EntityResults::make_room(StoredBlock& block)
     fit(fid, stored(block, "fid"));
     fit(operators, text_bytes(block, "operator"));
     fit(weight, stored(block, "weight"));
-    fit(res, stored(block, "res") * static_cast<std::size_t>(memory_size()));
+    fit(res, holds_values ? stored(block, "res") * static_cast<std::size_t>(memory_size()) : 0);
 }
 
 std::int32_t EntityResults::read(StoredBlock& block, std::int32_t sections)
@@ -63,18 +63,35 @@ std::int32_t EntityResults::read(StoredBlock& block, std::int32_t sections)
     return result;
 }
 
-std::int32_t EntityResults::write(const Destination& to) const
+std::int32_t EntityResults::write_sections(std::int32_t sections, const Destination& to, const std::int32_t* entities,
+                                           const void* values, const Part& part) const
 {
     const std::array<std::int64_t, 2> groups{to.group, -1};
     const std::int32_t memory = memory_size();
     const std::int32_t value_size = value_size_for(is_complex(), size);
     std::int32_t result = 0;
-    call(to.generation, KOB_WRITE_ENTITYRESULTS2, KOB1_WRITE_ENTITYRESULTS2, groups.data(), &section::all, nullptr,
+    call(to.generation, KOB_WRITE_ENTITYRESULTS2, KOB1_WRITE_ENTITYRESULTS2, groups.data(), &sections, nullptr,
          etyp.data(), &nent, etypvar.data(), &ncoo, etypzone.data(), &zoneid, etypframe.data(), &fswitch, &dmpswitch,
-         &index.nindex, current_only(&index.indexic), index.indexident.data(), index.indexval.data(), entid.data(),
-         &fidglob, fid.data(), operators.data(), weight.data(), res.data(), &memory, &to.compression.flags,
-         to.compression.params.data(), &value_size, &whole, nullptr, nullptr, &result);
+         &index.nindex, current_only(&index.indexic), index.indexident.data(), index.indexval.data(), entities,
+         &fidglob, fid.data(), operators.data(), weight.data(), values, &memory, &to.compression.flags,
+         to.compression.params.data(), &value_size, &part.mode, part.count.data(), part.start.data(), &result);
     return result;
+}
+
+std::int32_t EntityResults::write(const Destination& to) const
+{
+    return write_sections(section::all, to, entid.data(), res.data(), {});
+}
+
+std::int32_t EntityResults::write_frame(const Destination& to, const std::int32_t* entities) const
+{
+    return write_sections(section::all & ~section::values, to, entities, nullptr, {});
+}
+
+std::int32_t EntityResults::write_values(const Destination& to, std::int64_t first, std::int64_t count,
+                                         const void* values) const
+{
+    return write_sections(section::values, to, nullptr, values, {some_rows, {count, ncoo, 2}, {first, 0, 0}});
 }
 
 BlockPath EntityResults::path(std::int32_t state, std::int32_t set) const
@@ -86,7 +103,7 @@ BlockPath EntityResults::path(std::int32_t state, std::int32_t set) const
 std::int32_t EntityResults::values_pass(bool leads) const
 {
     const bool has_identified_columns = fswitch == 1 || dmpswitch == 1;
-    return section::values | (leads || has_identified_columns ? section::identifiers : 0);
+    return (holds_values ? section::values : 0) | (leads || has_identified_columns ? section::identifiers : 0);
 }
 
 // ---- series

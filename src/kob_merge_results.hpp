@@ -24,7 +24,8 @@ struct EntityResults {
     std::vector<std::int32_t> entid, fid;
     std::vector<char> operators; ///< [ncoo, 256]
     std::vector<double> weight;
-    std::vector<char> res; ///< [nent, ncoo(, 2)] values of `size` bytes
+    std::vector<char> res;    ///< [nent, ncoo(, 2)] values of `size` bytes
+    bool holds_values = true; ///< else `res` stays empty
     std::int32_t key = 0;
     std::int32_t size = 0; ///< bytes of a stored value; 0: there are none
     Compression compression;
@@ -32,6 +33,11 @@ struct EntityResults {
     void make_room(StoredBlock& block);
     std::int32_t read(StoredBlock& block, std::int32_t sections);
     [[nodiscard]] std::int32_t write(const Destination& to) const;
+    /// Writes all but the values, for entities that are kept elsewhere.
+    [[nodiscard]] std::int32_t write_frame(const Destination& to, const std::int32_t* entities) const;
+    /// Writes the values of some rows.
+    [[nodiscard]] std::int32_t write_values(const Destination& to, std::int64_t first, std::int64_t count,
+                                            const void* values) const;
     [[nodiscard]] BlockPath path(std::int32_t state, std::int32_t set) const;
     /// Values and frames of the rows; of the leading domain also what all rows share.
     [[nodiscard]] std::int32_t values_pass(bool leads) const;
@@ -42,13 +48,18 @@ struct EntityResults {
         return size == sizeof(float) ? size : std::int32_t{sizeof(double)};
     }
     [[nodiscard]] std::int64_t values_of_row() const { return std::int64_t{ncoo} * (is_complex() ? 2 : 1); }
+    [[nodiscard]] std::size_t row_bytes() const
+    {
+        return static_cast<std::size_t>(std::max<std::int64_t>(values_of_row(), 0) * memory_size());
+    }
     std::int32_t& rows() { return nent; }
     std::vector<std::int32_t>& row_identifiers() { return entid; }
     auto columns()
     {
-        return std::tuple{Column<std::int32_t>{"fid", fid, fswitch == 1 ? 1 : 0},
-                          Column<double>{"weight", weight, dmpswitch == 1 ? 1 : 0},
-                          Column<char>{"res", res, values_of_row() * memory_size(), values_of_row()}};
+        return std::tuple{
+            Column<std::int32_t>{"fid", fid, fswitch == 1 ? 1 : 0},
+            Column<double>{"weight", weight, dmpswitch == 1 ? 1 : 0},
+            Column<char>{"res", res, holds_values ? values_of_row() * memory_size() : 0, values_of_row()}};
     }
     [[nodiscard]] std::vector<Trait> traits() const
     {
@@ -69,6 +80,16 @@ struct EntityResults {
         fidglob = lead.fidglob;
         operators = std::move(lead.operators);
     }
+
+private:
+    /// Which values are transferred.
+    struct Part {
+        std::int32_t mode = access_mode::whole;
+        std::array<std::int64_t, 3> count{};
+        std::array<std::int64_t, 3> start{};
+    };
+    [[nodiscard]] std::int32_t write_sections(std::int32_t sections, const Destination& to,
+                                              const std::int32_t* entities, const void* values, const Part& part) const;
 };
 
 /// Tables of one variable in many states.

@@ -85,17 +85,16 @@ template <class Block> void swap_rows(Block& a, Block& b)
     each(std::make_index_sequence<std::tuple_size_v<decltype(columns_of_a)>>{});
 }
 
-/// Makes a block one of these entities, with nothing known of them yet.
-template <class Block> void make_rows(Block& merged, const std::vector<std::int32_t>& identifiers)
+/// Makes a block one of so many entities, with nothing known of them yet, not even their identifiers.
+template <class Block> void make_columns(Block& merged, std::size_t rows)
 {
-    merged.rows() = static_cast<std::int32_t>(identifiers.size());
-    merged.row_identifiers() = identifiers;
+    merged.rows() = static_cast<std::int32_t>(rows);
     for_each_column(merged, [&](auto& column) {
         const auto width = static_cast<std::size_t>(std::max<std::int64_t>(column.width, 0));
         if (column.is_optional) {
-            column.values.assign(identifiers.size() * width, column.missing);
+            column.values.assign(rows * width, column.missing);
         } else {
-            column.values.resize(identifiers.size() * width); // each row comes from some domain
+            column.values.resize(rows * width); // each row comes from some domain
         }
     });
 }
@@ -106,9 +105,11 @@ template <class Block> bool is_complete(StoredBlock& source, Block& block)
     const std::int64_t rows = block.rows();
     bool complete = rows >= 0 && static_cast<std::int64_t>(stored(source, Block::identifiers)) == rows;
     for_each_column(block, [&](const auto& column) {
-        const bool fits = column.elements >= 0 && column.elements <= INT32_MAX &&
-                          static_cast<std::int64_t>(stored(source, column.name)) == rows * column.elements;
-        complete = complete && (fits || rows == 0 || column.elements == 0);
+        const auto fits = [&] {
+            return column.elements > 0 && column.elements <= INT32_MAX &&
+                   static_cast<std::int64_t>(stored(source, column.name)) == rows * column.elements;
+        };
+        complete = complete && (rows == 0 || column.elements == 0 || fits());
     });
     return complete || rows == 0;
 }

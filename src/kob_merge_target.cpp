@@ -55,6 +55,13 @@ Compression Target::compression_of(const EntityResults& block) const
     return compression;
 }
 
+bool Target::stores_unfiltered(const EntityResults& block) const
+{
+    using namespace filter_flag;
+    constexpr std::int32_t of_values = deflate_real | shuffle_real | scale_offset_real;
+    return (storing_.defaults.flags & of_values) == 0 && storing_.exponents.find(block.etypvar.text()) == nullptr;
+}
+
 void Target::write_results(const std::string& path, const EntityResults& block, const Compression& compression) const
 {
     const Id group = create(path);

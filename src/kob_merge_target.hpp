@@ -61,6 +61,8 @@ public:
     }
     /// The filters of merged results.
     [[nodiscard]] Compression compression_of(const EntityResults& block) const;
+    /// Will the values of merged results, which no domain file filters, be stored as they are?
+    [[nodiscard]] bool stores_unfiltered(const EntityResults& block) const;
     /// The block of a path, or an empty owner.
     [[nodiscard]] StoredBlock open(const std::string& path) const
     {

@@ -30,7 +30,7 @@ public:
 
     [[nodiscard]] bool are_many() const { return shape_.elements > static_cast<hssize_t>(elements_of_piece); }
 
-    /// Calls transfer(dataspace of memory, dataspace of the file, elements) for each, until one fails.
+    /// Calls transfer(dataspace of the file, elements) for each, until one fails.
     template <class Transfer> herr_t for_each(Transfer&& transfer)
     {
         const hsize_t rows = elements_of_piece / row_size_;
@@ -38,10 +38,9 @@ public:
         for (; result >= 0 && start_[0] < shape_.extents[0]; advance()) {
             count_[divided_] = std::min(rows, shape_.extents[divided_] - start_[divided_]);
             const hsize_t elements = count_[divided_] * row_size_;
-            const Id memory{H5Screate_simple(1, &elements, nullptr), H5Sclose};
             result = H5Sselect_hyperslab(space_.get(), H5S_SELECT_SET, start_.data(), nullptr, count_.data(), nullptr);
             if (result >= 0) {
-                result = transfer(memory.get(), space_.get(), static_cast<std::size_t>(elements));
+                result = transfer(space_.get(), static_cast<std::size_t>(elements));
             }
         }
         return result;
@@ -71,13 +70,6 @@ private:
     std::array<hsize_t, H5S_MAX_RANK> count_{};
 };
 
-/// In chunks, or filtered, a dataset is HDF5's: a piece could cut many chunks.
-bool is_contiguous(hid_t dataset)
-{
-    const Id properties{H5Dget_create_plist(dataset), H5Pclose};
-    return H5Pget_layout(properties.get()) == H5D_CONTIGUOUS;
-}
-
 } // namespace
 
 std::optional<herr_t> write_converted(hid_t dataset, hid_t stored, hid_t memory, const void* data)
@@ -86,16 +78,16 @@ std::optional<herr_t> write_converted(hid_t dataset, hid_t stored, hid_t memory,
     if (data == nullptr || !converter.resizes_reals()) {
         return {};
     }
-    Pieces pieces{dataset};
+    Pieces pieces{dataset}; // of a dataset in chunks one could cut many: those are HDF5's
     if (!pieces.are_many() || !is_contiguous(dataset)) {
         return {};
     }
     const auto* from = static_cast<const std::byte*>(data);
     std::vector<std::byte> piece(elements_of_piece * H5Tget_size(stored));
-    return pieces.for_each([&](hid_t memory_space, hid_t file_space, std::size_t elements) {
+    return pieces.for_each([&](hid_t space, std::size_t elements) {
         converter.convert(from, elements, piece.data());
         from += elements * H5Tget_size(memory);
-        return H5Dwrite(dataset, stored, memory_space, file_space, H5P_DEFAULT, piece.data());
+        return H5Dwrite(dataset, stored, H5S_BLOCK, space, H5P_DEFAULT, piece.data());
     });
 }
 
@@ -111,8 +103,8 @@ std::optional<herr_t> read_converted(hid_t dataset, hid_t stored, hid_t memory, 
     }
     auto* to = static_cast<std::byte*>(data);
     std::vector<std::byte> piece(elements_of_piece * H5Tget_size(stored));
-    return pieces.for_each([&](hid_t memory_space, hid_t file_space, std::size_t elements) {
-        const herr_t result = H5Dread(dataset, stored, memory_space, file_space, H5P_DEFAULT, piece.data());
+    return pieces.for_each([&](hid_t space, std::size_t elements) {
+        const herr_t result = H5Dread(dataset, stored, H5S_BLOCK, space, H5P_DEFAULT, piece.data());
         if (result >= 0) {
             converter.convert_past_cache(piece.data(), elements, to);
         }

@@ -240,6 +240,12 @@ std::int64_t element_size(hid_t location, const char* name) noexcept
     return type ? static_cast<std::int64_t>(H5Tget_size(type.get())) : -1;
 }
 
+bool is_contiguous(hid_t dataset) noexcept
+{
+    const Id properties{H5Dget_create_plist(dataset), H5Pclose};
+    return H5Pget_layout(properties.get()) == H5D_CONTIGUOUS;
+}
+
 bool has_attribute(hid_t location, const char* name) noexcept { return H5Aexists(location, name) > 0; }
 
 herr_t share_link(hid_t from, hid_t to, const char* name) noexcept

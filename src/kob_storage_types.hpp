@@ -26,6 +26,9 @@ FileType stored_type_for(std::int32_t kob_type, hid_t native, std::size_t size, 
 /// Class of a stored type as the type codes see it: a variable-length text is no text.
 H5T_class_t stored_class(hid_t type) noexcept;
 
+/// Does a dataset lie in the file in one piece?
+bool is_contiguous(hid_t dataset) noexcept;
+
 /// Extents of what is stored.
 struct StoredShape {
     std::int32_t rank = -1;
