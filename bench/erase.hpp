@@ -19,6 +19,9 @@ Work erase_ours(const EraseSet& set, const std::string& file, Digest* digest);
 
 /// Cuts it back in plain HDF5: reads each block's state, deletes the block and one by one the groups above that this
 /// leaves empty.
-Work erase_raw(const EraseSet& set, const std::string& file, Digest* digest);
+Work erase_reading(const EraseSet& set, const std::string& file, Digest* digest);
+
+/// The same when it is known beforehand which blocks go: nothing is read.
+Work erase_told(const EraseSet& set, const std::string& file, Digest* digest);
 
 } // namespace bench

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Cutting a file back in plain HDF5, for one known layout. Nothing is looked for, but what each block says of its
-// state is read: that, not a path, decides what goes.
+// Cutting a file back in plain HDF5, for one known layout: nothing is looked for.
 #include "erase.hpp"
 #include "raw.hpp"
 
@@ -16,17 +15,19 @@ bool is_empty(hid_t group)
     return info.nlinks == 0;
 }
 
-/// Erases the blocks of a state that lie behind the last one to keep, and the groups that this leaves empty.
-void erase_state(hid_t single_state, const std::string& name, const ResultSet& set, std::int32_t last)
+/// Erases the blocks of a state that have to go, given the group of each variable, and the groups that this leaves
+/// empty.
+template <class HasToGo>
+void erase_state(hid_t single_state, std::int32_t number, const ResultSet& set, const HasToGo& has_to_go)
 {
+    const std::string path = state_path(number);
+    const std::string name = path.substr(path.find('/') + 1);
     const hid_t state = must(H5Gopen2(single_state, name.c_str(), H5P_DEFAULT));
     const hid_t kind = must(H5Gopen2(state, "entityresults", H5P_DEFAULT));
     const hid_t node = must(H5Gopen2(kind, "NODE", H5P_DEFAULT));
     for (const std::string& name_of_variable : set.variables) {
         const hid_t variable = must(H5Gopen2(node, name_of_variable.c_str(), H5P_DEFAULT));
-        std::int32_t identifier = 0;
-        read_dataset(variable, "kobblock/indexident", H5T_NATIVE_INT, &identifier);
-        const bool goes = identifier > last;
+        const bool goes = has_to_go(variable);
         if (goes) {
             must(H5Ldelete(variable, "kobblock", H5P_DEFAULT));
         }
@@ -48,19 +49,52 @@ void erase_state(hid_t single_state, const std::string& name, const ResultSet& s
     close_and_delete(state, single_state, name.c_str());
 }
 
+/// A file open to be changed.
+class ChangedFile {
+public:
+    explicit ChangedFile(const std::string& name)
+        : file_{must(H5Fopen(name.c_str(), H5F_ACC_RDWR, H5P_DEFAULT))}, single_state_{must(H5Gopen2(
+                                                                             file_, "post/singlestate", H5P_DEFAULT))}
+    {
+    }
+    ~ChangedFile()
+    {
+        must(H5Gclose(single_state_));
+        must(H5Fclose(file_));
+    }
+    ChangedFile(const ChangedFile&) = delete;
+    ChangedFile& operator=(const ChangedFile&) = delete;
+
+    [[nodiscard]] hid_t single_state() const { return single_state_; }
+
+private:
+    hid_t file_;
+    hid_t single_state_;
+};
+
 } // namespace
 
-Work erase_raw(const EraseSet& set, const std::string& file_name, Digest*)
+Work erase_reading(const EraseSet& set, const std::string& file_name, Digest*)
 {
     return [set, file_name] {
-        const hid_t file = must(H5Fopen(file_name.c_str(), H5F_ACC_RDWR, H5P_DEFAULT));
-        const hid_t single_state = must(H5Gopen2(file, "post/singlestate", H5P_DEFAULT));
+        const ChangedFile file{file_name};
         for (std::int32_t number = 0; number < set.results.states; ++number) {
-            const std::string path = state_path(number);
-            erase_state(single_state, path.substr(path.find('/') + 1), set.results, set.kept - 1);
+            erase_state(file.single_state(), number, set.results, [&](hid_t variable) {
+                std::int32_t identifier = 0;
+                read_dataset(variable, "kobblock/indexident", H5T_NATIVE_INT, &identifier);
+                return identifier >= set.kept;
+            });
         }
-        must(H5Gclose(single_state));
-        must(H5Fclose(file));
+    };
+}
+
+Work erase_told(const EraseSet& set, const std::string& file_name, Digest*)
+{
+    return [set, file_name] {
+        const ChangedFile file{file_name};
+        for (std::int32_t number = set.kept; number < set.results.states; ++number) {
+            erase_state(file.single_state(), number, set.results, [](hid_t) { return true; });
+        }
     };
 }
 

@@ -109,13 +109,13 @@ Row merge(std::string name, const MergeSet& set, Program<MergeSet>::Task raw, do
             same_values};
 }
 
-Row erase(std::string name, const EraseSet& set, const Figures& figures)
+Row erase(std::string name, const EraseSet& set, Program<EraseSet>::Task raw, double hold)
 {
     return {std::move(name),
             Row::Kind::change,
             {task_on(write_run, set), task_on(erase_ours, set)},
-            {task_on(write_run, set), task_on(erase_raw, set)},
-            figures};
+            {task_on(write_run, set), task_on(raw, set)},
+            {hold, 0.55, 5 * mega}};
 }
 
 Row packed(Row row)
@@ -152,7 +152,8 @@ std::vector<Row> rows(Size size)
         read("read 2 x 1,000,000 x 3, scale-offset", by_digits, {0.40, 0.28, 1.5 * chunk}),
         write("append 200 x 20,000 x 3", series(size), {1.05, 0.86, 5 * mega}),
         packed(write("append 200 x 20,000 x 3, deflate 6", series(size, deflate_6), {0.55, 0.20, 5 * mega})),
-        erase("erase 1,000 of 2,000 states", erasing(size), {1.05, 0.55, 5 * mega}),
+        erase("erase 1,000 of 2,000 states", erasing(size), erase_reading, 1.05),
+        erase("erase them, against a list of them", erasing(size), erase_told, 1.50),
         merge("merge 8 x 125,000, against a sort", domains(size), merge_sorting, 0.40, 0.15, true),
         merge("merge 8 x 125,000 in order, against a sort", domains(size, true), merge_sorting, 0.40, 0.15, true),
         merge("merge 8 x 125,000, against a copy", domains(size), copy_rows, 1.50, 1.00, false),
