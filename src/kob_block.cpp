@@ -214,6 +214,9 @@ Reader::Reader(Location block, const BlockKind& kind) : places_{block}, kind_{ki
     if (place(Where::header) < 0) {
         return;
     }
+    if (is_current()) {
+        plain_ = plain::Block::of(block.group);
+    }
     integer("block", &key_);
     if (status_ < 0 || kind_.owns(key_)) {
         return;
@@ -259,7 +262,7 @@ void Reader::attribute(const char* name, void* data, std::int32_t type, std::siz
         throw NullArgument{};
     }
     const hsize_t one = 1;
-    status_ = KOB_H5Aread(name, data, type, size, &one, 0, place(Where::header), nullptr);
+    status_ = KOB_H5Aread(name, data, type, size, &one, 0, place(Where::header), nullptr, Report::loud, plain_.get());
 }
 
 void Reader::dataset(const char* name, void* data, std::int32_t type, std::size_t size, const Shape& shape,
@@ -276,7 +279,7 @@ void Reader::dataset(const char* name, void* data, std::int32_t type, std::size_
     constexpr std::int32_t untouched = -1;
     Found found{name, untouched, {}};
     status_ = KOB_H5Dread(name, data, type, size, shape.dims(), shape.rank(), part.count, part.start, part.mode,
-                          location, &found.flags, found.params.data(), nullptr);
+                          location, &found.flags, found.params.data(), nullptr, Report::loud, plain_.get());
     if (status_ == 0 && found.flags != untouched) {
         found_.push_back(std::move(found));
     }
@@ -322,7 +325,8 @@ void Reader::single(const char* name, Arg<Reader, std::int32_t> number)
     if (status_ < 0) {
         return;
     }
-    if (has_attribute(place(Where::header), name)) {
+    const bool is_attribute = plain_ ? plain_->has_attribute(name) : has_attribute(place(Where::header), name);
+    if (is_attribute) {
         integer(name, number);
     } else if (has_link(place(where_), name)) {
         dataset(name, number.get(), type_code::integer, sizeof(std::int32_t), Shape{}, {});

@@ -11,6 +11,7 @@
 #include "kob_kinds.hpp"
 #include "kob_location.hpp"
 #include "kob_placement.hpp"
+#include "kob_plain_block.hpp"
 #include "kob_sections.hpp"
 #include "kob_storage.hpp"
 #include "kob_text.hpp"
@@ -18,6 +19,7 @@
 #include <array>
 #include <cstdint>
 #include <initializer_list>
+#include <memory>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -262,6 +264,7 @@ private:
     hid_t place(Where where);
 
     Places places_;
+    std::unique_ptr<plain::Block> plain_; ///< the short way to the items of a block in one group
     Where where_ = Where::data;
     BlockKind kind_;
     std::int32_t key_ = 0;

@@ -5,12 +5,15 @@
 #include "kob_kinds.hpp"
 #include "kob_listing.hpp"
 #include "kob_location.hpp"
+#include "kob_plain_walk.hpp"
 #include "kob_storage.hpp"
 #include "kob_walk.hpp"
 
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <string>
+#include <string_view>
 
 namespace kob {
 namespace {
@@ -58,7 +61,7 @@ public:
     }
 
     /// Adds an entry behind `count` others that take `length` bytes. False when there is no room to be had.
-    bool add(std::int32_t count, std::int64_t length, std::int32_t key, const std::string& path)
+    bool add(std::int32_t count, std::int64_t length, std::int32_t key, std::string_view path)
     {
         const std::int64_t end = length + static_cast<std::int64_t>(path.size()) + 1;
         if (end > path_size_ && !reallocate(paths_, path_size_, 2 * end, static_cast<std::size_t>(2 * end))) {
@@ -67,7 +70,8 @@ public:
         if (count >= capacity_ && !double_capacity()) {
             return false;
         }
-        std::memcpy(paths_ + length, path.c_str(), path.size() + 1);
+        std::memcpy(paths_ + length, path.data(), path.size());
+        paths_[end - 1] = '\0';
         keys_[count] = key;
         offsets_[count + 1] = end;
         return true;
@@ -129,6 +133,21 @@ bool read_key(const Candidate& candidate, Generation generation, std::int32_t& k
            KOB_H5Aread("block", &key, type_code::integer, sizeof key, &one, 0, header, nullptr, Report::silent) == 0;
 }
 
+/// Records the blocks by the short way. False if the file does not go along, or there is no room.
+template <class Record> bool list_plain(Location group, const Record& record)
+{
+    return group.is_current() && plain::walk(group.group, [&](plain::File& file, const plain::Found& found) {
+               std::int32_t key = kind::file_header;
+               if (!found.is_header) {
+                   const plain::Attribute attribute = plain::attribute_of(file, found.object, "block");
+                   plain::expect(attribute.stored.element == plain::Element::integer &&
+                                 attribute.stored.bytes == sizeof key);
+                   std::memcpy(&key, attribute.values.data(), sizeof key);
+               }
+               plain::expect(record(key, found.path) == 0);
+           });
+}
+
 /// The arguments that receive a listing.
 struct Listing {
     std::int32_t* capacity;
@@ -159,18 +178,23 @@ std::int32_t look_up(Location group, bool stores, bool verbose, const Listing& o
     } else if (!directory.prepare()) {
         return -1;
     }
-    const std::int32_t result = walk(group.group, [&](const Candidate& candidate) {
-        std::int32_t key = 0;
-        if (!read_key(candidate, group.generation, key)) {
-            return 0;
-        }
-        if (stores && !directory.add(*out.count, *out.path_length, key, candidate.path)) {
+    const auto record = [&](std::int32_t key, std::string_view path) {
+        if (stores && !directory.add(*out.count, *out.path_length, key, path)) {
             return stopped;
         }
         ++*out.count;
-        *out.path_length += static_cast<std::int64_t>(candidate.path.size()) + 1;
+        *out.path_length += static_cast<std::int64_t>(path.size()) + 1;
         return 0;
-    });
+    };
+    std::int32_t result = 0;
+    if (!list_plain(group, record)) {
+        *out.count = 0;
+        *out.path_length = 0;
+        result = walk(group.group, [&](const Candidate& candidate) {
+            std::int32_t key = 0;
+            return read_key(candidate, group.generation, key) ? record(key, candidate.path) : 0;
+        });
+    }
     if (stores && verbose) {
         directory.list(caller, *out.count, *out.path_length);
     }

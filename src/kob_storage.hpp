@@ -13,6 +13,10 @@
 
 namespace kob {
 
+namespace plain {
+class Block;
+}
+
 /// Type codes of the library's elements.
 namespace type_code {
 constexpr std::int32_t text = 1;    // fixed length, blank padded
@@ -100,16 +104,17 @@ std::int32_t KOB_H5Dwrite(const char* name, const void* data, std::int32_t kob_t
                           const std::int32_t* filter_params, WriteOptions options = {});
 
 /// Reads an attribute of the expected shape; rank 0 expects one element. `stored_size` may be null.
+/// `plain` is the short way to the same location, if there is one.
 std::int32_t KOB_H5Aread(const char* name, void* data, std::int32_t kob_type, std::size_t data_size,
                          const hsize_t* dims, std::int32_t rank, hid_t location, std::uint64_t* stored_size,
-                         Report report = Report::loud);
+                         Report report = Report::loud, const plain::Block* plain = nullptr);
 
 /// Reads a dataset of the expected shape, or a block or points of it. The last three outputs may be null;
 /// asking for no filter report saves HDF5 the look at the creation properties.
 std::int32_t KOB_H5Dread(const char* name, void* data, std::int32_t kob_type, std::size_t data_size,
                          const hsize_t* dims, std::int32_t rank, const std::int64_t* count, const std::int64_t* start,
                          std::int32_t mode, hid_t location, std::int32_t* filter_flags, std::int32_t* filter_params,
-                         std::uint64_t* stored_size, Report report = Report::loud);
+                         std::uint64_t* stored_size, Report report = Report::loud, plain::Block* plain = nullptr);
 
 /// Is there a link of this name in the group? A failed look counts as no.
 bool has_link(hid_t location, const char* name) noexcept;

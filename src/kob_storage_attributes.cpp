@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Typed attributes.
 #include "kob_message.hpp"
+#include "kob_plain_block.hpp"
 #include "kob_storage_codes.hpp"
 #include "kob_storage_types.hpp"
 
@@ -90,7 +91,7 @@ std::int32_t KOB_H5Awrite(const char* name, const void* data, std::int32_t kob_t
 
 std::int32_t KOB_H5Aread(const char* name, void* data, std::int32_t kob_type, std::size_t data_size,
                          const hsize_t* dims, std::int32_t rank, hid_t location, std::uint64_t* stored_size,
-                         Report report)
+                         Report report, const plain::Block* plain)
 {
     using namespace attribute_read;
     const auto refuse = [&](Condition condition, std::int32_t quantity = -1) {
@@ -101,6 +102,10 @@ std::int32_t KOB_H5Aread(const char* name, void* data, std::int32_t kob_type, st
     };
 
     if (is_empty(dims, rank)) {
+        return 0;
+    }
+    if (plain != nullptr && stored_size == nullptr &&
+        plain->read_attribute({name, kob_type, data_size, dims, rank, data})) {
         return 0;
     }
     H5T_class_t type_class{};
