@@ -6,6 +6,7 @@
 #include "kob_kinds.hpp"
 #include "kob_message.hpp"
 #include "kob_placement.hpp"
+#include "kob_plain_walk.hpp"
 #include "kob_tool.hpp"
 
 #include <algorithm>
@@ -17,6 +18,7 @@
 #include <numeric>
 #include <set>
 #include <tuple>
+#include <unordered_set>
 
 namespace kob {
 namespace {
@@ -89,6 +91,50 @@ Id open_block(hid_t parent, const std::string& path)
 Id create_block(hid_t parent, const std::string& path) { return open_block_group(parent, path, io_flag::create).group; }
 
 bool BlockTable::list(hid_t group, const Family& family)
+{
+    return list_plain(group, family, plain::File::State::read_only) || list_by_entry_point(group, family);
+}
+
+bool BlockTable::list_flushed(hid_t group, const Family& family)
+{
+    return list_plain(group, family, plain::File::State::flushed) || list_by_entry_point(group, family);
+}
+
+bool BlockTable::list_plain(hid_t group, const Family& family, plain::File::State state)
+{
+    if (family.generation != Generation::current) {
+        return false;
+    }
+    std::unordered_set<std::uint64_t> seen;
+    tree_.assign(1, {});
+    const bool complete = plain::walk(
+        group,
+        [&](plain::File& file, const plain::Found& found) {
+            if (found.kind == plain::Found::Kind::group) {
+                tree_.push_back(
+                    {found.parent, found.links, found.names, found.path.size(), tree_[found.parent].depth + 1});
+                return;
+            }
+            TableEntry entry{found.path, plain::key_of(file, found)};
+            entry.object = found.object;
+            entry.parent = found.parent;
+            ++found_;
+            if (seen.insert(found.object).second) {
+                entries_.push_back(std::move(entry));
+            }
+        },
+        state);
+    if (!complete || found_ < 1) {
+        entries_.clear();
+        tree_.clear();
+        found_ = 0;
+        return false;
+    }
+    group_by_key();
+    return true;
+}
+
+bool BlockTable::list_by_entry_point(hid_t group, const Family& family)
 {
     const int64_t handle = group;
     const int32_t store = 1;

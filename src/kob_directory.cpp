@@ -137,14 +137,9 @@ bool read_key(const Candidate& candidate, Generation generation, std::int32_t& k
 template <class Record> bool list_plain(Location group, const Record& record)
 {
     return group.is_current() && plain::walk(group.group, [&](plain::File& file, const plain::Found& found) {
-               std::int32_t key = kind::file_header;
-               if (!found.is_header) {
-                   const plain::Attribute attribute = plain::attribute_of(file, found.object, "block");
-                   plain::expect(attribute.stored.element == plain::Element::integer &&
-                                 attribute.stored.bytes == sizeof key);
-                   std::memcpy(&key, attribute.values.data(), sizeof key);
+               if (found.kind != plain::Found::Kind::group) {
+                   plain::expect(record(plain::key_of(file, found), found.path) == 0);
                }
-               plain::expect(record(key, found.path) == 0);
            });
 }
 

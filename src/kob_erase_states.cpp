@@ -5,6 +5,7 @@
 #include "kob_family.hpp"
 #include "kob_kinds.hpp"
 #include "kob_location.hpp"
+#include "kob_plain_block.hpp"
 #include "kob_sections.hpp"
 #include "kob_storage.hpp"
 #include "kob_text.hpp"
@@ -60,7 +61,7 @@ std::optional<std::int32_t> integer_of(hid_t block, const char* name)
     return read ? std::optional{number} : std::nullopt;
 }
 
-/// Deletes a block's link and the parent groups that it leaves empty. -1 when the link could not be deleted, else 0
+/// Deletes the link of a block, or of a group, and the parent groups that it leaves empty. -1 when the link could not be deleted, else 0
 /// less one for each parent that could not.
 std::int32_t remove_block(hid_t file, std::string path, bool verbose)
 {
@@ -83,6 +84,49 @@ std::int32_t remove_block(hid_t file, std::string path, bool verbose)
     }
     return result;
 }
+
+/// Groups that lose all they hold when some blocks go: each is deleted in one go, with the blocks in it.
+class EmptiedGroups {
+public:
+    EmptiedGroups() = default;
+    /// `going` are the blocks of the table that go.
+    EmptiedGroups(const BlockTable& table, const std::vector<bool>& going) : tree_{table.tree()}
+    {
+        for (const TableGroup& group : tree_) {
+            left_.push_back(group.links);
+        }
+        for (std::size_t i = 0; i < going.size(); ++i) {
+            left_[table.entries()[i].parent] -= going[i] ? 1 : 0;
+        }
+        emptied_.resize(tree_.size());
+        for (std::size_t group = tree_.size(); group-- > 1;) {
+            const TableGroup& it = tree_[group];
+            // What a group with a second name holds can still be reached. HDF5 takes call stack for each level.
+            emptied_[group] = it.links > 0 && left_[group] == 0 && it.names == 1 && it.depth <= deepest;
+            left_[it.parent] -= emptied_[group] ? 1 : 0;
+        }
+    }
+
+    /// The highest one that holds a block, or the start if none does.
+    [[nodiscard]] std::size_t around(const TableEntry& entry) const
+    {
+        std::size_t highest = 0;
+        for (std::size_t group = entry.parent; group != 0 && emptied_[group]; group = tree_[group].parent) {
+            highest = group;
+        }
+        return highest;
+    }
+    [[nodiscard]] const TableGroup& operator[](std::size_t group) const { return tree_[group]; }
+    /// May the group around a highest one become empty all the same? To ask HDF5 costs a look at all of its links.
+    [[nodiscard]] bool goes_on_behind(std::size_t group) const { return left_[tree_[group].parent] == 0; }
+
+private:
+    static constexpr std::size_t deepest = 64;
+
+    std::vector<TableGroup> tree_;
+    std::vector<std::size_t> left_; ///< links that stay
+    std::vector<bool> emptied_;
+};
 
 /// A multi-state entity results block in memory.
 struct Series {
@@ -184,13 +228,14 @@ public:
         if (verbose_ >= 1) {
             say_start();
         }
-        if (!table_.list(file_, family_)) {
+        if (!table_.list_flushed(file_, family_)) {
             report_error(message::erase_no_blocks, no_blocks);
             return no_blocks;
         }
         if (verbose_ >= 2) {
             say(message::erase_blocks_found, table_.found());
         }
+        look_ahead();
         table_.read_numbers(false);
         if (verbose_ >= 2) {
             table_.say_by_key();
@@ -339,22 +384,88 @@ private:
                    : KOB_H5Awrite("mtime", time.data(), type_code::text, stamp_length, stamp_length, &one, 0, header);
     }
 
+    /// Judges the blocks while the file is as it was flushed, if it is a plain one.
+    void look_ahead()
+    {
+        std::optional<plain::File> file;
+        if (!table_.tree().empty()) {
+            file = plain::File::of(file_, plain::File::Pieces::passing, plain::File::State::flushed);
+        }
+        if (!file) {
+            return;
+        }
+        for (const TableEntry& entry : table_.entries()) {
+            std::optional<bool> behind{false};
+            if (entry.key != kind::file_header) {
+                try {
+                    plain::File block_file = file->again();
+                    plain::Block block{block_file, entry.object};
+                    behind = is_single_state_behind(block);
+                } catch (const plain::Surprise&) {
+                    behind.reset();
+                }
+            }
+            if (!behind) {
+                behind_.clear();
+                return;
+            }
+            behind_.push_back(*behind);
+        }
+    }
+
     void erase_single_states()
     {
         std::int32_t deleted = 0;
-        for (const TableEntry& entry : table_.entries()) {
-            if (!is_single_state_behind(entry)) {
+        const EmptiedGroups emptied = behind_.empty() ? EmptiedGroups{} : EmptiedGroups{table_, behind_};
+        std::size_t last_emptied = 0;
+        for (std::size_t i = 0; i < table_.entries().size(); ++i) {
+            const TableEntry& entry = table_.entries()[i];
+            if (behind_.empty() ? !is_single_state_behind(entry) : !behind_[i]) {
                 continue;
             }
             if (entry.is_linked) {
                 ++linked_kept_;
-            } else if (remove(entry.path)) {
+                continue;
+            }
+            const std::size_t highest = behind_.empty() ? 0 : emptied.around(entry);
+            const bool is_gone = highest != 0 && (highest == last_emptied || remove_group(entry, emptied, highest));
+            if (is_gone) {
+                last_emptied = highest;
+                if (verbose_ >= 2) {
+                    say(message::erase_deleted, entry.path.c_str());
+                }
+            }
+            if (is_gone || remove(entry.path)) {
                 ++deleted;
             }
         }
         if (verbose_ >= 1) {
             say(message::erase_single_state, deleted);
         }
+    }
+
+    /// The same by the short way; nothing when there is no telling.
+    std::optional<bool> is_single_state_behind(plain::Block& block)
+    {
+        constexpr std::int32_t usually_most = 16;
+        const std::optional<bool> has_index = block.has_link("indexident");
+        if (!has_index) {
+            return {};
+        }
+        if (!*has_index || block.has_attribute("nstate")) {
+            return false;
+        }
+        std::int32_t nindex = 0;
+        if (!block.read_attribute({"nindex", type_code::integer, sizeof nindex, nullptr, 0, &nindex}) || nindex < 1 ||
+            nindex > usually_most) {
+            return {};
+        }
+        tuple_.resize(static_cast<std::size_t>(nindex));
+        const auto extent = static_cast<hsize_t>(nindex);
+        if (!block.read_dataset({"indexident", type_code::integer, sizeof(std::int32_t), &extent, 1, tuple_.data()})) {
+            return {};
+        }
+        return last_.is_before(tuple_.data(), nindex);
     }
 
     bool is_single_state_behind(const TableEntry& entry)
@@ -382,6 +493,13 @@ private:
             KOB_H5Dread("indexident", tuple_.data(), type_code::integer, sizeof(std::int32_t), &extent, 1, nullptr,
                         nullptr, access_mode::whole, index, nullptr, nullptr, nullptr, Report::silent) == 0;
         return read && last_.is_before(tuple_.data(), *nindex);
+    }
+
+    [[nodiscard]] bool remove_group(const TableEntry& entry, const EmptiedGroups& emptied, std::size_t group) const
+    {
+        const std::string path = entry.path.substr(0, emptied[group].path_length);
+        return emptied.goes_on_behind(group) ? remove_block(file_, path, false) == 0
+                                             : H5Ldelete(file_, path.c_str(), H5P_DEFAULT) >= 0;
     }
 
     bool remove(const std::string& path) const
@@ -492,6 +610,7 @@ private:
     LastIndex last_;
     std::int32_t verbose_;
     BlockTable table_;
+    std::vector<bool> behind_; ///< of the table's blocks, if they could be judged ahead
     std::vector<std::int32_t> tuple_;
     std::int32_t rewritten_ = 0;
     std::int32_t linked_kept_ = 0;

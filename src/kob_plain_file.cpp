@@ -46,7 +46,22 @@ std::optional<int> descriptor_of(hid_t file)
 
 } // namespace
 
-std::optional<File> File::of(hid_t object, Pieces pieces)
+File::File(int descriptor, Pieces mode)
+    : descriptor_{descriptor}, mode_{mode}, usual_piece_{mode == Pieces::kept ? piece_of_block : piece_of_walk}
+{
+}
+
+File File::again() const
+{
+    File result{descriptor_, Pieces::kept};
+    result.usual_piece_ = piece_of_walk;
+    result.end_ = end_;
+    result.leaf_k_ = leaf_k_;
+    result.node_k_ = node_k_;
+    return result;
+}
+
+std::optional<File> File::of(hid_t object, Pieces pieces, State state)
 {
     if constexpr (std::endian::native != std::endian::little) {
         return {};
@@ -54,7 +69,9 @@ std::optional<File> File::of(hid_t object, Pieces pieces)
     const Id file{H5Iget_file_id(object), H5Fclose};
     // A file that can be written may have its latest state in HDF5's memory alone.
     unsigned intent = 0;
-    if (!file || H5Fget_intent(file.get(), &intent) < 0 || intent != 0) {
+    constexpr unsigned writable = 1;
+    if (!file || H5Fget_intent(file.get(), &intent) < 0 || intent > writable ||
+        (intent == writable && (state != State::flushed || H5Fflush(file.get(), H5F_SCOPE_LOCAL) < 0))) {
         return {};
     }
     const std::optional<int> descriptor = descriptor_of(file.get());
@@ -81,7 +98,8 @@ void File::read_superblock()
     expect(block.from(8).starts_with(versions_and_sizes.data(), versions_and_sizes.size()));
     leaf_k_ = block.u16(16);
     node_k_ = block.u16(18);
-    expect(leaf_k_ > 0 && node_k_ > 0 && block.u32(20) == 0);
+    constexpr std::uint32_t being_written = 1;
+    expect(leaf_k_ > 0 && node_k_ > 0 && block.u32(20) <= being_written);
     // Nothing lies before the file, and no driver has a word in it.
     expect(block.u64(24) == 0 && block.u64(48) == nowhere);
     end_ = block.u64(40);
@@ -99,8 +117,7 @@ Bytes File::at(Address address, std::size_t size)
         }
     }
     make_room();
-    const std::size_t usual = mode_ == Pieces::kept ? piece_of_block : piece_of_walk;
-    Piece piece{address, static_cast<std::size_t>(std::min<Address>(std::max(size, usual), end_ - address)), {}};
+    Piece piece{address, static_cast<std::size_t>(std::min<Address>(std::max(size, usual_piece_), end_ - address)), {}};
     piece.bytes.reset(new unsigned char[piece.size]); // NOLINT(cppcoreguidelines-owning-memory)
     read(address, piece.size, piece.bytes.get());
     pieces_.push_back(std::move(piece));

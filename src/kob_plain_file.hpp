@@ -79,8 +79,15 @@ public:
     /// What becomes of the pieces that were read: one object needs all of its, a walk over many only the latest.
     enum class Pieces { kept, passing };
 
-    /// The file of an open object, if it is read only and nothing but a file of the old format.
-    static std::optional<File> of(hid_t object, Pieces pieces);
+    /// How the bytes on the disk come to be the latest: nobody writes them, or they are flushed now. Those are good until
+    /// the next change.
+    enum class State { read_only, flushed };
+
+    /// The file of an open object, if it is nothing but a file of the old format and of that state.
+    static std::optional<File> of(hid_t object, Pieces pieces, State state = State::read_only);
+
+    /// The same file for one small object.
+    [[nodiscard]] File again() const;
 
     /// `size` bytes at an address: kept, or valid until some more pieces (`surely_held`) have been asked for.
     Bytes at(Address address, std::size_t size);
@@ -93,7 +100,7 @@ public:
     [[nodiscard]] std::size_t group_node_entries() const { return 2 * node_k_; }
 
 private:
-    File(int descriptor, Pieces mode) : descriptor_{descriptor}, mode_{mode} {}
+    File(int descriptor, Pieces mode);
     void read_superblock();
     void make_room();
 
@@ -105,6 +112,7 @@ private:
 
     int descriptor_;
     Pieces mode_;
+    std::size_t usual_piece_;
     Address end_ = 0;
     std::size_t leaf_k_ = 0;
     std::size_t node_k_ = 0;

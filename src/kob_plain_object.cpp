@@ -82,6 +82,7 @@ Header::Header(File& file, Address address)
     const Bytes prefix = file.at(address, prefix_size);
     const std::size_t count = prefix.u16(2);
     const std::size_t first_size = prefix.u32(8);
+    names_ = prefix.u32(4);
     expect(prefix.u8(0) == 1 && count > 0);
     messages_.reserve(count);
     std::array<Bytes, most_chunks> chunks;

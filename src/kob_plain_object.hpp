@@ -24,6 +24,8 @@ public:
     Header(File& file, Address address);
 
     [[nodiscard]] const std::vector<Message>& messages() const { return messages_; }
+    /// Hard links that lead to the object.
+    [[nodiscard]] std::uint32_t names() const { return names_; }
     /// A group keeps its links in a symbol table; this is its message, none for what is no such group.
     [[nodiscard]] std::optional<Bytes> symbol_table() const;
     /// Is it a dataset, whatever kind?
@@ -31,6 +33,7 @@ public:
 
 private:
     std::vector<Message> messages_;
+    std::uint32_t names_ = 0;
 };
 
 /// A name in a group, and the object behind it.

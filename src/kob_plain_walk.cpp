@@ -13,6 +13,7 @@ namespace {
 /// One group of the current path, with the links that are still to visit.
 struct Level {
     Address group;
+    std::size_t number; ///< among the groups found
     std::vector<Link> links;
     std::size_t next = 0;
     std::size_t path_length = 0; ///< of the path before this group's name was appended
@@ -34,20 +35,20 @@ public:
                 levels_.pop_back();
                 continue;
             }
-            visit_link(level.links[level.next++]);
+            visit_link(level.links[level.next++], level.number);
         }
     }
 
 private:
     // By value: entering a group moves the levels.
-    void visit_link(const Link link) // NOLINT(performance-unnecessary-value-param)
+    void visit_link(const Link link, std::size_t parent) // NOLINT(performance-unnecessary-value-param)
     {
         const bool is_header = link.name == header_group_name;
         const std::size_t length = path_.size();
         expect(++links_seen_ <= most_links);
         if (is_header || link.name == block_group_name) {
             append(link.name);
-            visit_(file_, {path_, is_header, link.object});
+            visit_(file_, {is_header ? Found::Kind::header : Found::Kind::block, path_, link.object, parent});
             path_.resize(length);
             return;
         }
@@ -64,12 +65,13 @@ private:
         }
         append(link.name);
         enter(link.object, *table, length);
+        visit_(file_, {Found::Kind::group, path_, link.object, parent, levels_.back().links.size(), header.names()});
     }
 
     void enter(Address group, Bytes table, std::size_t path_length)
     {
         expect(levels_.size() < deepest_level);
-        levels_.push_back({group, links_of(file_, table), 0, path_length});
+        levels_.push_back({group, groups_++, links_of(file_, table), 0, path_length});
     }
 
     void append(const std::string& name)
@@ -84,14 +86,15 @@ private:
     const std::function<void(File&, const Found&)>& visit_;
     std::vector<Level> levels_;
     std::string path_;
+    std::size_t groups_ = 0;
     std::uint64_t links_seen_ = 0;
 };
 
 } // namespace
 
-bool walk(hid_t start, const std::function<void(File&, const Found&)>& visit)
+bool walk(hid_t start, const std::function<void(File&, const Found&)>& visit, File::State state)
 {
-    std::optional<File> file = File::of(start, File::Pieces::passing);
+    std::optional<File> file = File::of(start, File::Pieces::passing, state);
     const std::optional<Address> address = file ? address_of(start) : std::nullopt;
     if (!address) {
         return false;
@@ -102,6 +105,17 @@ bool walk(hid_t start, const std::function<void(File&, const Found&)>& visit)
     } catch (const Surprise&) {
         return false;
     }
+}
+
+std::int32_t key_of(File& file, const Found& found)
+{
+    std::int32_t key = kind::file_header;
+    if (found.kind == Found::Kind::block) {
+        const Attribute attribute = attribute_of(file, found.object, "block");
+        expect(attribute.stored.element == Element::integer && attribute.stored.bytes == sizeof key);
+        std::memcpy(&key, attribute.values.data(), sizeof key);
+    }
+    return key;
 }
 
 } // namespace kob::plain

@@ -736,6 +736,55 @@ TEST(EraseStates, ABlockThatTwoNamesReachIsHandledOnce)
     EXPECT_FALSE(has_link(file.handle(), "multistate"));
 }
 
+TEST(EraseStates, AGroupWithTwoNamesIsEmptiedUnderBoth)
+{
+    ToolFile file;
+    for (const std::int32_t state : {3, 7}) write_state(file, {state});
+    H5Lcreate_hard(file.handle(), "singlestate/state000000000007/entityresults", file.handle(), "zweitname",
+                   H5P_DEFAULT, H5P_DEFAULT);
+    erase_quietly(file.handle(), {5});
+    EXPECT_TRUE(has_link(file.handle(), state_path(3)));
+    EXPECT_FALSE(has_link(file.handle(), "singlestate/state000000000007"));
+    H5G_info_t info{};
+    EXPECT_GE(H5Gget_info(open_group(file.handle(), "zweitname"), &info), 0);
+    EXPECT_EQ(info.nlinks, 0U);
+}
+
+herr_t collect_name(hid_t, const char* name, const H5L_info2_t*, void* names)
+{
+    static_cast<std::vector<std::string>*>(names)->emplace_back(name);
+    return 0;
+}
+
+TEST(EraseStates, WhereTheGroupsCannotBeSeenAheadTheSameGoes)
+{
+    std::vector<Erased> erased;
+    std::vector<std::vector<std::string>> left;
+    for (const bool is_plain : {true, false}) {
+        ToolFile file;
+        for (const std::int32_t state : {2, 5, 6, 7, 8}) {
+            for (const char* variable : {"DISPLACEMENT", "STRESS", "TEMPERATURE"}) write_state(file, {state}, variable);
+        }
+        write_state(file, {9, 9});
+        write_state(file, {7}, "STRESS", 3);
+        create_group(open_group(file.handle(), "singlestate/state000000000006"), "of somebody else");
+        create_group(open_group(file.handle(), "singlestate/state000000000008/entityresults/NODE/STRESS"), "too");
+        if (!is_plain) {
+            H5Lcreate_soft("nowhere", file.handle(), "zz", H5P_DEFAULT, H5P_DEFAULT);
+        }
+        erased.push_back(erase(file.handle(), {5}, 2));
+        EXPECT_EQ(erased.back().status, 0);
+        H5Ldelete(file.handle(), "zz", H5P_DEFAULT);
+        left.emplace_back();
+        H5Lvisit2(file.handle(), H5_INDEX_NAME, H5_ITER_INC, collect_name, &left.back());
+    }
+    EXPECT_THAT(erased[0].out, HasSubstr("KOB INFO - 10 singlestate blocks deleted\n"));
+    EXPECT_EQ(erased[0].out, erased[1].out);
+    EXPECT_EQ(erased[0].err, erased[1].err);
+    EXPECT_EQ(left[0], left[1]);
+    EXPECT_THAT(left[0], ::testing::Contains("singlestate/state000000000006/of somebody else"));
+}
+
 TEST(EraseStates, BlocksInLinkedFilesAreKept)
 {
     ToolFile run;
