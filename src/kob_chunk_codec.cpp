@@ -119,7 +119,12 @@ std::optional<StoredChunk> ChunkCodec::encode(const std::byte* plain, const Shar
     }
     if (filters_.deflate != 0) {
         std::byte* const room = room_beside(chunk.bytes.data());
-        const auto size = room != nullptr ? deflater_.compress(chunk.bytes, {room, room_size_}) : std::nullopt;
+        // The bytes of packed numbers are alike all over, those of plain numbers in each plane.
+        const bool has_planes =
+            filters_.shuffle != 0 && (chunk.filter_mask & filters_.scale_offset) == filters_.scale_offset;
+        const std::size_t plane_size = chunk.bytes.size() / (has_planes ? element_size_ : 1);
+        const auto size =
+            room != nullptr ? deflater_.compress(chunk.bytes, {room, room_size_}, plane_size) : std::nullopt;
         if (!size) {
             return {};
         }

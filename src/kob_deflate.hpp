@@ -20,8 +20,10 @@ public:
     /// Room that holds every stream of so many bytes.
     static std::size_t bound(std::size_t size) noexcept;
 
-    /// Bytes of the stream; nothing when there is no memory. The target has room for the bound.
-    std::optional<std::size_t> compress(std::span<const std::byte> source, std::span<std::byte> target);
+    /// Bytes of the stream; nothing when there is no memory. The target has room for the bound. Shuffled bytes come in
+    /// planes of one size; others are one plane.
+    std::optional<std::size_t> compress(std::span<const std::byte> source, std::span<std::byte> target,
+                                        std::size_t plane_size);
 
 private:
     struct Free {
