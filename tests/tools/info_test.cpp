@@ -2,6 +2,8 @@
 // kob info: header, HDF5, sizes, system and units, states and kinds.
 
 #include <filesystem>
+#include <numeric>
+#include <vector>
 
 #include "hdf5_file.hpp"
 #include "program.hpp"
@@ -96,6 +98,51 @@ TEST(Info, CountsBlocksAndUnpackedBytesPerKind)
                                     {"unpacked_bytes", constant_results + 2 * state_results},
                                     {"blocks_of_unknown_size", 0}}));
     EXPECT_EQ(info.at("unpacked_bytes"), sum);
+}
+
+TEST(Info, TellsThePromisedErrorOfScaledBlocks)
+{
+    KobFile file;
+    std::vector<std::int32_t> entid(20);
+    std::iota(entid.begin(), entid.end(), 1);
+    const std::vector<double> res(40, 0.25);
+    for (const std::int32_t state : {1, 2}) {
+        write_results(file, {.variable = "DISPLACEMENT",
+                             .entid = entid,
+                             .res = res,
+                             .indexident = {state},
+                             .indexval = {0.5},
+                             .flags = 128 | 2,
+                             .params = {6, 1}});
+    }
+    write_results(file, {.variable = "STRESS", .entid = entid, .res = res, .flags = 128, .params = {1, 0}});
+    write_results(file, {.variable = "COORDINATE", .entid = entid, .res = res, .flags = 2, .params = {0, 1}});
+    file.close();
+
+    const std::string out = run_program({"info", file.path()}).out;
+    EXPECT_TRUE(contains(out, "\nSCALED        DECIMALS  ERROR AT MOST  NEXT TO 10000  BLOCKS\n"
+                              "DISPLACEMENT         6          5e-07          1e-06       2\n"
+                              "STRESS               1           0.05            0.1       1\n"))
+        << out;
+    EXPECT_EQ(info_of(file.path()).at("scaled"), json::array({{{"kind", "entityresults"},
+                                                               {"variable", "DISPLACEMENT"},
+                                                               {"decimals", 6},
+                                                               {"error", 5e-7},
+                                                               {"next_to_10000", 1e-6},
+                                                               {"blocks", 2}},
+                                                              {{"kind", "entityresults"},
+                                                               {"variable", "STRESS"},
+                                                               {"decimals", 1},
+                                                               {"error", 0.05},
+                                                               {"next_to_10000", 0.1},
+                                                               {"blocks", 1}}}));
+}
+
+TEST(Info, SaysNothingOfScalingWhereThereIsNone)
+{
+    const SampleFile file;
+    EXPECT_FALSE(contains(run_program({"info", file.path()}).out, "SCALED"));
+    EXPECT_EQ(info_of(file.path()).at("scaled"), json::array());
 }
 
 TEST(Info, SaysThatThereIsNoHeaderAndNoSystem)

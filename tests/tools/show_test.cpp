@@ -227,6 +227,25 @@ TEST(Show, ReportsTheFiltersOfTheValues)
     EXPECT_EQ(filters, json({{"flags", deflate_and_shuffle | 128}, {"scale", 4}, {"deflate", 6}}));
 }
 
+TEST(Show, TellsThePromisedErrorOfScaledValues)
+{
+    // Half a unit of the fourth decimal, a whole one where values lie next to the fill value.
+    const LongFile scaled{50, 128, {4, 0}};
+    EXPECT_TRUE(contains(run_program({"show", scaled.path(), "0"}).out,
+                         "\nfilters: scale-offset with 4 decimals\n"
+                         "promise: no value is off by more than 5e-05 (0.0001 next to 10000) and one unit in the last "
+                         "place\n"));
+    EXPECT_EQ(shown(scaled.path(), "0").at("promised_error"),
+              json({{"decimals", 4}, {"error", 5e-5}, {"next_to_10000", 1e-4}}));
+
+    const LongFile to_integers{50, 128, {0, 0}};
+    EXPECT_TRUE(contains(run_program({"show", to_integers.path(), "0"}).out, "more than 0.5 (1 next to 10000)"));
+
+    const LongFile exact{50, 2 | 16 | 64, {4, 6}};
+    EXPECT_FALSE(contains(run_program({"show", exact.path(), "0"}).out, "promise"));
+    EXPECT_FALSE(shown(exact.path(), "0").contains("promised_error"));
+}
+
 TEST(Show, FindsABlockByNumberPathOrTheEndOfItsPath)
 {
     const SampleFile file;

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 
 namespace kob::program {
 
@@ -266,12 +267,13 @@ void print_entries(const Block& block, std::int64_t limit)
     print_rest(entries, val.row_count());
 }
 
+constexpr int real_scale_offset = 128;
+
 std::string filters_text(const Block& block)
 {
     constexpr int deflate = 1 | 2 | 4;
     constexpr int shuffle = 8 | 16 | 32;
     constexpr int integer_scale_offset = 64;
-    constexpr int real_scale_offset = 128;
     std::vector<std::string> filters;
     if (block.filter_flags & integer_scale_offset) filters.emplace_back("scale-offset");
     if (block.filter_flags & real_scale_offset)
@@ -323,11 +325,22 @@ std::vector<std::int64_t> shown_states(const Item& item, std::int64_t limit)
     return places;
 }
 
+std::optional<PromisedError> promised_error(const Block& block)
+{
+    if (!block.filters_known || (block.filter_flags & real_scale_offset) == 0) return {};
+    const std::int32_t decimals = block.filter_params[0];
+    const double step = std::strtod(fmt::format("1e{}", -std::int64_t{decimals}).c_str(), nullptr);
+    return PromisedError{decimals, step / 2, step};
+}
+
 void print_block(const Entry& entry, const Block& block, std::int64_t limit)
 {
     fmt::print("{}\n", emphasized(printable(entry.path)));
     fmt::print("block {}, key {}, {}, {} bytes unpacked\n", entry.number, entry.key, block.kind->name, block.bytes());
     if (block.filters_known) fmt::print("filters: {}\n", filters_text(block));
+    if (const auto promise = promised_error(block))
+        fmt::print("promise: no value is off by more than {} ({} next to 10000) and one unit in the last place\n",
+                   number_text(promise->error), number_text(promise->next_to_fill));
     std::size_t width = 0;
     for (const Item& item : block.items)
         if (item.in_block && item.stored == Stored::attribute) width = std::max(width, item.name.size());

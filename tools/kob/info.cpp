@@ -2,6 +2,7 @@
 // kob info: what a file is, who wrote it, which states and how many blocks of each kind it holds.
 
 #include "block_reader.hpp"
+#include "block_text.hpp"
 #include "file.hpp"
 #include "terminal.hpp"
 #include "verbs.hpp"
@@ -12,6 +13,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <tuple>
 
 namespace kob::program {
 
@@ -41,6 +43,14 @@ struct Count {
     std::int64_t unread = 0; ///< blocks whose size is not known
 };
 
+/// Blocks of one variable that keep the same number of decimals.
+struct Scaled {
+    PromisedError promise;
+    std::int64_t blocks = 0;
+};
+/// Kind, variable and decimals.
+using ScaledKey = std::tuple<std::string, std::string, std::int32_t>;
+
 /// Block key and kind: the generations have kinds of their own under some keys.
 using KindKey = std::pair<std::int32_t, const Kind*>;
 
@@ -49,6 +59,7 @@ struct Summary {
     std::map<std::vector<std::int64_t>, State> states; ///< by state numbers, in the order of the index values
     std::map<std::string, SeriesCount> series;         ///< by name
     std::map<KindKey, Count> kinds;
+    std::map<ScaledKey, Scaled> scaled;
     Count total;
     int exit_code = 0;
 };
@@ -68,6 +79,19 @@ void count(Count& sum, const std::optional<Block>& block)
         throw Failure{exit_cannot_read, "the counts of the blocks are larger than any file"};
 }
 
+/// Adds a block whose values are stored by scale-offset. The library tells that together with values: one row is read.
+void add_scaled(Summary& summary, const File& file, const Entry& entry, const Kind& kind)
+{
+    if (kind.main != "res" && kind.main != "val") return; // nothing else is stored so
+    constexpr std::int64_t one_row = 1;
+    const Block block = read_block(file, entry, Depth::values, one_row);
+    if (const auto promise = promised_error(block)) {
+        Scaled& scaled = summary.scaled[{std::string{kind.name}, block.text(kind.variable), promise->decimals}];
+        scaled.promise = *promise;
+        ++scaled.blocks;
+    }
+}
+
 Summary summarize(const File& file)
 {
     Summary summary;
@@ -76,6 +100,7 @@ Summary summarize(const File& file)
         std::optional<Block> block;
         try {
             if (kind != nullptr) block = read_block(file, entry, Depth::index);
+            if (kind != nullptr) add_scaled(summary, file, entry, *kind);
         } catch (const Failure& failure) { // the rest is still worth a summary
             complain("kob info", failure.what());
             summary.exit_code = failure.exit_code;
@@ -198,6 +223,19 @@ void print_series(const Summary& summary)
     table.print();
 }
 
+void print_scaled(const Summary& summary)
+{
+    if (summary.scaled.empty()) return;
+    Table table{{"SCALED", "DECIMALS", "ERROR AT MOST", "NEXT TO 10000", "BLOCKS"}};
+    for (const std::size_t column : {1U, 2U, 3U, 4U}) table.align_right(column);
+    for (const auto& [key, scaled] : summary.scaled)
+        table.add({printable(std::get<1>(key)), fmt::format("{}", scaled.promise.decimals),
+                   number_text(scaled.promise.error), number_text(scaled.promise.next_to_fill),
+                   fmt::format("{}", scaled.blocks)});
+    fmt::print("\n");
+    table.print();
+}
+
 void print(const File& file, const Summary& summary)
 {
     const std::int64_t stored = file.stored_bytes();
@@ -224,6 +262,7 @@ void print(const File& file, const Summary& summary)
 
     print_states(summary);
     print_series(summary);
+    print_scaled(summary);
 }
 
 Json describe(const File& file, const Summary& summary)
@@ -287,6 +326,14 @@ Json describe(const File& file, const Summary& summary)
                                   {"first", series.longest.first.values},
                                   {"last", series.longest.last.values},
                                   {"blocks", series.blocks}});
+    json["scaled"] = Json::array();
+    for (const auto& [key, scaled] : summary.scaled)
+        json["scaled"].push_back({{"kind", std::get<0>(key)},
+                                  {"variable", std::get<1>(key)},
+                                  {"decimals", scaled.promise.decimals},
+                                  {"error", scaled.promise.error},
+                                  {"next_to_10000", scaled.promise.next_to_fill},
+                                  {"blocks", scaled.blocks}});
     return json;
 }
 

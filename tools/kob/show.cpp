@@ -123,6 +123,9 @@ Json describe(const Entry& entry, const Block& block, std::int64_t limit)
     if (block.filters_known)
         json["filters"] = {
             {"flags", block.filter_flags}, {"scale", block.filter_params[0]}, {"deflate", block.filter_params[1]}};
+    if (const auto promise = promised_error(block))
+        json["promised_error"] = {
+            {"decimals", promise->decimals}, {"error", promise->error}, {"next_to_10000", promise->next_to_fill}};
     json["attributes"] = Json::object();
     json["datasets"] = Json::array();
     for (const Item& item : block.items) {
