@@ -86,6 +86,14 @@ private:
     TempDir folder_;
 };
 
+double largest_difference(const std::vector<double>& a, const std::vector<double>& b)
+{
+    EXPECT_EQ(a.size(), b.size());
+    double largest = 0;
+    for (std::size_t i = 0; i < std::min(a.size(), b.size()); ++i) largest = std::max(largest, std::abs(a[i] - b[i]));
+    return largest;
+}
+
 TEST(Import, of_a_small_file_holds_all_of_it)
 {
     const Case c{head + mesh + scalar("NDTEMP", 0, 1, "0.500000000") + scalar("NDTEMP", 0, 2, "1.000000000") + end};
@@ -245,7 +253,11 @@ TEST(Import, stores_as_it_is_told)
     ImportCheck{packed.frd(), packed.kob(), {4, {}, false}}.run();
 
     const Case scaled{text + end};
-    ASSERT_EQ(scaled.import({"--scale", "ENER=2"}).exit_code, 0);
+    const Outcome outcome = scaled.import({"--scale", "ENER=2"});
+    ASSERT_EQ(outcome.exit_code, 0);
+    EXPECT_EQ(outcome.lines(), (std::vector<std::string>{fmt::format(
+                                   "ENER: the largest error of a value is {}, with 2 decimals",
+                                   largest_difference(block(plain, "ENER").values, block(scaled, "ENER").values))}));
     EXPECT_EQ(block(scaled, "ENER").filter_flags, 128);
     EXPECT_EQ(block(scaled, "ENER").filter_params[0], 2);
     EXPECT_EQ(block(scaled, "NDTEMP").filter_flags, 0) << "only the variable that was named";
@@ -371,7 +383,13 @@ TEST(Import, scales_a_series_only_if_all_its_states_are_numbers)
     EXPECT_EQ(read_series(KobFile{odd.kob(), read_only}, path).filter_flags, 0);
 
     const Case good{file_with("9.99000E+00")};
-    EXPECT_EQ(good.import({"--series", "--scale", "ENER=1"}).err, "");
+    const Outcome series = good.import({"--series", "--scale", "ENER=1"});
+    EXPECT_EQ(series.err, "");
+    EXPECT_EQ(series.lines().size(), 1U) << series.out;
+    double error = -1;
+    ASSERT_EQ(std::sscanf(series.out.c_str(), "ENER: the largest error of a value is %lf, with 1 decimals", &error), 1);
+    EXPECT_GE(error, 0);
+    EXPECT_LE(error, 0.0501);
     ImportCheck{good.frd(), good.kob(), {8, {{"ENER", 0.051}}, true}}.run();
     EXPECT_EQ(read_series(KobFile{good.kob(), read_only}, path).filter_flags, 128);
 }

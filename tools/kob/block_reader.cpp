@@ -175,16 +175,22 @@ const Kind* find_kind(const Entry& entry)
 
 Block read_block(const File& file, const Entry& entry, Depth depth, std::int64_t rows)
 {
+    if (find_kind(entry) == nullptr)
+        throw Failure{exit_cannot_read,
+                      fmt::format("{}: a block of the unknown kind {}", printable(short_path(entry)), entry.key)};
+    const Group group{file.group(), entry.path};
+    return read_open_block(group.handle(), entry, depth, rows);
+}
+
+Block read_open_block(const std::int64_t* group, const Entry& entry, Depth depth, std::int64_t rows)
+{
     const std::string name = printable(short_path(entry));
     Block block;
     block.key = entry.key;
     block.older = entry.older;
     block.kind = find_kind(entry);
-    if (block.kind == nullptr)
-        throw Failure{exit_cannot_read, fmt::format("{}: a block of the unknown kind {}", name, entry.key)};
-    Group group{file.group(), entry.path};
     try {
-        BlockScan scan{block, group.handle(), depth, rows};
+        BlockScan scan{block, group, depth, rows};
         block.kind->scan(scan);
         for (const Item& item : block.items)
             if (item.in_block) static_cast<void>(item.bytes()); // from here on no sum of a block can overflow unseen

@@ -173,6 +173,8 @@ std::optional<Series> series_of(const Block& block);
 /// rows, and of a series no more states than the first and the last.
 /// A block that cannot be read, or whose counts no file can mean, is a Failure that names it.
 Block read_block(const File& file, const Entry& entry, Depth depth, std::int64_t rows = all_rows);
+/// The same of a block whose group is open; its kind is known.
+Block read_open_block(const std::int64_t* group, const Entry& entry, Depth depth, std::int64_t rows = all_rows);
 
 /// What a kind's description works with: it declares the items, calls the reader of the library section by section, and
 /// gives each dataset its shape as soon as the counts are known.

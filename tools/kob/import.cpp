@@ -97,6 +97,7 @@ int import_file(const ImportOptions& options)
     if (!options.force && fs::exists(options.output, ignored)) draft.refuse();
 
     std::unique_ptr<Source> source;
+    ScaleErrors errors;
     std::size_t told = 0;
     const auto tell = [&] {
         for (; source && told < source->warnings().size(); ++told) {
@@ -110,10 +111,15 @@ int import_file(const ImportOptions& options)
         source->write(target);
         target.close();
         tell();
+        errors = target.scale_errors();
     } catch (const text::Error& error) {
         throw Failure{exit_cannot_read, fmt::format("{}: {}", printable(options.input), printable(error.what()))};
     }
     draft.become_target(options.force);
+    for (const auto& [variable, error] : errors.largest()) {
+        fmt::print("{}: the largest error of a value is {}, with {} decimals\n", printable(variable),
+                   number_text(error), options.storage.scale.at(variable));
+    }
     return 0;
 }
 

@@ -62,6 +62,11 @@ std::int32_t count(std::size_t size)
     return static_cast<std::int32_t>(size);
 }
 
+WrittenBlock matrix_block(std::string_view kind, const MatrixName& n, bool complex)
+{
+    return {kind, complex, 0, none, {std::string{kind}, n.entity_type, n.variable, "id"}, n.entity, none};
+}
+
 std::string now(const char* format)
 {
     const std::time_t time = std::time(nullptr);
@@ -280,6 +285,10 @@ void Target::write(const Results& r)
                             &state.number, &state.value, r.ids->data(), &zero, nullptr, nullptr, nullptr,
                             r.values->data(), &r.set, &state.number, &filter.flags, filter.params, &size, &status);
     check(status, what);
+    measure(
+        filter,
+        {"entityresults", r.complex, nindex, state.number, {"entityresults", r.entity_type, r.variable}, none, r.set},
+        r.variable, *r.values);
 }
 
 void Target::append(const Results& r, const std::string& series, std::int32_t row, bool scaled)
@@ -296,6 +305,21 @@ void Target::append(const Results& r, const std::string& series, std::int32_t ro
                                  nullptr, nullptr, nullptr, r.values->data(), &r.set, &state, &filter.flags,
                                  filter.params, &size, &status);
     check(status, fmt::format("{} of state {}", r.variable, r.state->number));
+    measure(filter,
+            {"multientityresults",
+             r.complex,
+             none,
+             none,
+             {series, "multientityresults", r.entity_type, r.variable},
+             none,
+             r.set},
+            r.variable, *r.values);
+}
+
+void Target::measure(const Filters& filters, const WrittenBlock& block, const std::string& variable,
+                     const std::vector<double>& given)
+{
+    if ((filters.flags & scale_floats) != 0) scale_errors_.measure(handle_, block, variable, given);
 }
 
 void Target::write(const Parts& p)
@@ -358,6 +382,7 @@ void Target::write(const MatrixName& n, const DenseMatrix& m)
                           &m.columns, &zero, &zero, nullptr, nullptr, m.values.data(), &none, &filter.flags,
                           filter.params, &size, &zero, nullptr, nullptr, &status, text_length, text_length);
     check(status, "matrix " + n.variable);
+    measure(filter, matrix_block("densematrix", n, m.complex), n.variable, m.values);
 }
 
 void Target::write(const MatrixName& n, const TriangularMatrix& m)
@@ -369,6 +394,7 @@ void Target::write(const MatrixName& n, const TriangularMatrix& m)
                                &m.type, &zero, &zero, nullptr, nullptr, m.values.data(), &none, &filter.flags,
                                filter.params, &size, &zero, nullptr, nullptr, &status, text_length, text_length);
     check(status, "matrix " + n.variable);
+    measure(filter, matrix_block("triangularmatrix", n, m.complex), n.variable, m.values);
 }
 
 void Target::write(const MatrixName& n, const SparseMatrix& m)
@@ -382,6 +408,7 @@ void Target::write(const MatrixName& n, const SparseMatrix& m)
                            &filter.flags, filter.params, &size, &zero, nullptr, nullptr, &status, text_length,
                            text_length);
     check(status, "matrix " + n.variable);
+    measure(filter, matrix_block("sparsematrix", n, m.complex), n.variable, m.values);
 }
 
 } // namespace kob::program

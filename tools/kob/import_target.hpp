@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "import.hpp"
+#include "import_scale_errors.hpp"
 #include "import_units.hpp"
 
 namespace kob::program {
@@ -160,6 +161,9 @@ public:
     void write(const MatrixName& name, const SparseMatrix& matrix);
     void close();
 
+    /// How far scaled values are from what was given.
+    const ScaleErrors& scale_errors() const { return scale_errors_; }
+
 private:
     struct Filters {
         std::int32_t flags = 0;
@@ -169,6 +173,8 @@ private:
     Filters filters(const std::string& variable, bool scaled) const;
     Filters filters_of_values(const std::string& variable, const std::vector<double>& values,
                               const std::string& what) const;
+    void measure(const Filters& filters, const WrittenBlock& block, const std::string& variable,
+                 const std::vector<double>& given);
     std::int32_t value_size(bool complex) const { return complex ? 4 * storage_.float_size : storage_.float_size; }
     void write_group(const std::string& name, std::int32_t ncoo, const std::vector<Variable>& variables,
                      const std::vector<std::int32_t>& offs);
@@ -177,6 +183,7 @@ private:
     std::int32_t filter_flags_ = 0;
     std::int32_t filter_params_[2] = {0, 0};
     std::int64_t handle_ = 0;
+    ScaleErrors scale_errors_;
 };
 
 } // namespace kob::program
