@@ -101,15 +101,15 @@ std::vector<std::string> Result::missed() const
 
 void print_head()
 {
-    fmt::print("{:<36}{:^18}{:^31}{:^25}{:^17}\n", "", "CPU seconds", "CPU ours / raw", "memory MB", "file MB");
-    fmt::print("{:<36}{:>8} {:>8}  {:>7} {:>6} {:>6} {:>6}  {:>7} {:>7} {:>7}  {:>7} {:>7}\n", "", "ours", "raw",
+    fmt::print("{:<44}{:^18}{:^31}{:^25}{:^17}\n", "", "CPU seconds", "CPU ours / raw", "memory MB", "file MB");
+    fmt::print("{:<44}{:>8} {:>8}  {:>7} {:>6} {:>6} {:>6}  {:>7} {:>7} {:>7}  {:>7} {:>7}\n", "", "ours", "raw",
                "ratio", "+-", "hold", "dream", "ours", "most", "raw", "ours", "raw");
 }
 
 void print_line(const Result& result)
 {
     const Figures& figures = result.row.figures;
-    fmt::print("{:<36}{:>8.3f} {:>8.3f}  {:>7.3f} {:>6.3f} {:>6.2f} {:>6.2f}  {:>7.1f} {:>7.1f} {:>7.1f}  {:>7.1f} "
+    fmt::print("{:<44}{:>8.3f} {:>8.3f}  {:>7.3f} {:>6.3f} {:>6.2f} {:>6.2f}  {:>7.1f} {:>7.1f} {:>7.1f}  {:>7.1f} "
                "{:>7.1f}  {}\n",
                result.row.name, result.ours.cpu(), result.raw.cpu(), result.ratio(), result.noise(), figures.hold,
                figures.dream, result.ours.memory() / mega, figures.memory / mega, result.raw.memory() / mega,
@@ -124,15 +124,15 @@ void print_line(const Result& result)
 
 void print_peer_head(const std::string& name)
 {
-    fmt::print("\n{:<36}{:^18}{:^15}{:^17}{:^17}\n", name, "CPU seconds", "CPU to bare", "memory MB", "file MB");
-    fmt::print("{:<36}{:>8} {:>8}  {:>6} {:>6} {:>8} {:>7} {:>8} {:>7}\n", "", "library", "bare", "ratio", "+-",
+    fmt::print("\n{:<44}{:^18}{:^15}{:^17}{:^17}\n", name, "CPU seconds", "CPU to bare", "memory MB", "file MB");
+    fmt::print("{:<44}{:>8} {:>8}  {:>6} {:>6} {:>8} {:>7} {:>8} {:>7}\n", "", "library", "bare", "ratio", "+-",
                "library", "bare", "library", "bare");
 }
 
 void print_peer_line(const PeerResult& result)
 {
     const auto& [name, work, library, plain] = result;
-    fmt::print("{:<36}{:>8.3f} {:>8.3f}  {:>6.2f} {:>6.2f} {:>8.1f} {:>7.1f} {:>8.1f} {:>7.1f}\n", work, library.cpu(),
+    fmt::print("{:<44}{:>8.3f} {:>8.3f}  {:>6.2f} {:>6.2f} {:>8.1f} {:>7.1f} {:>8.1f} {:>7.1f}\n", work, library.cpu(),
                plain.cpu(), ratio(library, plain), noise(library, plain), library.memory() / mega,
                plain.memory() / mega, static_cast<double>(library.file_bytes) / mega,
                static_cast<double>(plain.file_bytes) / mega);
