@@ -166,6 +166,15 @@ void Writer::long_integer(const char* name, Arg<Writer, std::int64_t> number)
     attribute(name, number.get(), type_code::integer, sizeof(std::int64_t));
 }
 
+void Writer::rewrite(const char* name, std::int32_t number)
+{
+    const hsize_t one = 1;
+    if (status_ == 0) {
+        status_ = KOB_H5Awrite(name, &number, type_code::integer, sizeof number, sizeof number, &one, 0,
+                               place(Where::header), Place::known, &shared_);
+    }
+}
+
 void Writer::texts(const char* name, Arg<Writer, char> fields, Shape shape, std::int32_t length, Part part)
 {
     const auto size = static_cast<std::size_t>(length);

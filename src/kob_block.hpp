@@ -168,6 +168,8 @@ public:
     void text(const char* name, Arg<Writer, char> field, std::size_t length = name_length);
     void integer(const char* name, Arg<Writer, std::int32_t> number);
     void long_integer(const char* name, Arg<Writer, std::int64_t> number);
+    /// Writes over an integer that was just read.
+    void rewrite(const char* name, std::int32_t number);
 
     // datasets
     void texts(const char* name, Arg<Writer, char> fields, Shape shape, std::int32_t length = name_length,

@@ -95,15 +95,16 @@ private:
 };
 
 /// The number of states that a series says it holds.
-std::int32_t read_nstate(Writer& io, std::int32_t& nstate)
+std::int32_t read_nstate(Writer& io, std::int32_t& nstate, Report report)
 {
     const hsize_t one = 1;
-    return KOB_H5Aread("nstate", &nstate, type_code::integer, sizeof nstate, &one, 0, io.place(Where::header), nullptr);
+    return KOB_H5Aread("nstate", &nstate, type_code::integer, sizeof nstate, &one, 0, io.place(Where::header), nullptr,
+                       report);
 }
 
 /// Ends a write of states: rewrites "nstate", or gives a new series its first value. A write that failed behind its
 /// index rows takes those back that have no values: a series with more of the ones than of the others is unreadable.
-std::int32_t end_states(Writer& io, const char* values, bool is_new, std::int32_t before)
+std::int32_t end_states(Writer& io, const char* values, bool is_new, std::int32_t before, Place count = Place::unknown)
 {
     if (!io.ok()) {
         const std::int64_t rows = count_rows(io.place(Where::data), values);
@@ -115,7 +116,9 @@ std::int32_t end_states(Writer& io, const char* values, bool is_new, std::int32_
     }
     const std::int64_t held = io.leading_extent();
     const std::int32_t nstate = held > 0 ? static_cast<std::int32_t>(std::min<std::int64_t>(held, INT32_MAX)) : before;
-    if (is_new || held > 0) {
+    if (count == Place::known && held > 0) {
+        io.rewrite("nstate", nstate);
+    } else if (is_new || held > 0) {
         io.integer("nstate", &nstate);
     }
     return nstate;
@@ -218,8 +221,14 @@ std::int32_t write_series(Location block, const MultiEntityResults<Writer>& b, c
         io.forget_extent();
     }
     // A first write that failed left no "nstate"; a series of no entities has one, though it looks new at every call.
-    if (place != Place::fresh && has_attribute(io.place(Where::header), "nstate")) {
-        io.fail(read_nstate(io, nstate));
+    Place count = Place::unknown;
+    if (place != Place::fresh) {
+        // An attribute that reads is there; only one that doesn't is looked for.
+        if (read_nstate(io, nstate, Report::silent) == 0) {
+            count = Place::known;
+        } else if (has_attribute(io.place(Where::header), "nstate")) {
+            io.fail(read_nstate(io, nstate, Report::loud));
+        }
     }
     if (io.ok() && !Part{request.mode}.is_known()) {
         report_error(message::writing_named_invalid_mode, kind.name, request.mode);
@@ -228,7 +237,7 @@ std::int32_t write_series(Location block, const MultiEntityResults<Writer>& b, c
     if (io.ok()) {
         write_states(io, b, size.complex, request);
     }
-    nstate = end_states(io, "res", is_new, nstate);
+    nstate = end_states(io, "res", is_new, nstate, count);
     return io.status();
 }
 

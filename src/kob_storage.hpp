@@ -50,6 +50,7 @@ constexpr hsize_t growable = H5S_UNLIMITED;
 enum class Place {
     unknown, ///< an object of that name may exist: look, and reuse it
     fresh,   ///< the group was created by this call: nothing can be there
+    known,   ///< the object is there: the caller has just read it
 };
 
 /// What positions in a growable dimension count from.

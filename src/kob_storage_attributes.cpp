@@ -8,6 +8,12 @@
 #include <algorithm>
 
 namespace kob {
+namespace {
+
+/// Nearly every attribute is one element. Its storage tells that sooner than its dataspace.
+bool is_single(hid_t attribute, std::size_t size) noexcept { return H5Aget_storage_size(attribute) == size; }
+
+} // namespace
 
 std::int32_t KOB_H5Awrite(const char* name, const void* data, std::int32_t kob_type, std::size_t data_size,
                           std::size_t kob_size, const hsize_t* dims, std::int32_t rank, hid_t location, Place place,
@@ -43,23 +49,28 @@ std::int32_t KOB_H5Awrite(const char* name, const void* data, std::int32_t kob_t
     FileType stored;
     std::vector<char> texts;
     const void* source = data;
-    if (place == Place::unknown && has_attribute(location, name)) {
+    if (place == Place::known || (place == Place::unknown && has_attribute(location, name))) {
         attribute = Id{H5Aopen(location, name, H5P_DEFAULT), H5Aclose};
         stored.owned = Id{H5Aget_type(attribute.get()), H5Tclose};
         stored.type = stored.owned.get();
         if (const H5T_class_t found = stored_class(stored.type); found != type_class) {
             return refuse(other_class, found);
         }
-        const Id space{H5Aget_space(attribute.get()), H5Sclose};
-        const StoredShape shape = stored_shape(space.get());
-        if (rank > 0 ? shape.rank != rank : shape.elements != 1) {
-            return refuse(other_rank, shape.rank);
+        const std::size_t size = H5Tget_size(stored.type);
+        hssize_t elements = 1;
+        if (rank > 0 || !is_single(attribute.get(), size)) {
+            const Id space{H5Aget_space(attribute.get()), H5Sclose};
+            const StoredShape shape = stored_shape(space.get());
+            if (rank > 0 ? shape.rank != rank : shape.elements != 1) {
+                return refuse(other_rank, shape.rank);
+            }
+            if (const std::int32_t differing = rank > 0 ? first_difference(shape, dims) : -1; differing >= 0) {
+                return refuse(other_extent, differing);
+            }
+            elements = shape.elements;
         }
-        if (const std::int32_t differing = rank > 0 ? first_difference(shape, dims) : -1; differing >= 0) {
-            return refuse(other_extent, differing);
-        }
-        if (const std::size_t size = H5Tget_size(stored.type); kob_type == type_code::text && size != kob_size) {
-            texts = repacked_texts(data, static_cast<std::size_t>(shape.elements), kob_size, size);
+        if (kob_type == type_code::text && size != kob_size) {
+            texts = repacked_texts(data, static_cast<std::size_t>(elements), kob_size, size);
             source = texts.data();
         }
     } else {
@@ -128,8 +139,7 @@ std::int32_t KOB_H5Aread(const char* name, void* data, std::int32_t kob_type, st
     if (kob_type != type_code::real && size > data_size) {
         return refuse(kob_type == type_code::text ? wider_text : wider_integer, printable(size));
     }
-    // Nearly every attribute is one element. Its storage tells that sooner than its dataspace.
-    if (rank > 0 || H5Aget_storage_size(attribute.get()) != size) {
+    if (rank > 0 || !is_single(attribute.get(), size)) {
         const Id space{H5Aget_space(attribute.get()), H5Sclose};
         const StoredShape shape = stored_shape(space.get());
         if (rank > 0 ? shape.rank != rank : shape.elements != 1) {

@@ -84,6 +84,14 @@ public:
         return H5Sselect_elements(file_space, H5S_SELECT_SET, static_cast<std::size_t>(points_), placed_.data()) >= 0;
     }
 
+    /// Is the caller's buffer a single element?
+    [[nodiscard]] bool is_single() const
+    {
+        return mode_ == access_mode::block &&
+               std::all_of(count_.begin(), count_.begin() + static_cast<std::ptrdiff_t>(rank_),
+                           [](hsize_t count) { return count < 2; });
+    }
+
     /// The caller's buffer: counts below 2 are no dimension of it.
     [[nodiscard]] Id memory_space() const
     {
@@ -218,7 +226,7 @@ public:
         if (options.leading_extent != nullptr) {
             *options.leading_extent = leading_extent_;
         }
-        return transfer();
+        return transfer(ids);
     }
 
 private:
@@ -318,16 +326,20 @@ private:
         return dataset_ ? 0 : refuse(dataset_write::create);
     }
 
-    std::int32_t transfer()
+    std::int32_t transfer(SharedIds& ids)
     {
         using namespace dataset_write;
-        Id memory;
+        Id own_memory;
+        hid_t memory = H5S_ALL;
         if (mode != access_mode::whole) {
             if (!space_ || !selection.select(space_.get())) {
                 return refuse(file_dataspace);
             }
-            memory = selection.memory_space();
-            if (!memory) {
+            if (!selection.is_single()) {
+                own_memory = selection.memory_space();
+            }
+            memory = selection.is_single() ? ids.scalar() : own_memory.get();
+            if (memory < 0) {
                 return refuse(memory_dataspace);
             }
         }
@@ -348,9 +360,9 @@ private:
         const ChunkTransfer chunks =
             is_filtered_ ? selection.write_chunks(dataset_.get(), transferred, source) : ChunkTransfer::left;
         const herr_t result = chunks != ChunkTransfer::left ? chunk_result(chunks)
-                              : mode == access_mode::whole  ? write_whole(transferred, source)
-                                                            : H5Dwrite(dataset_.get(), transferred, memory.get(),
-                                                                       space_.get(), H5P_DEFAULT, source);
+                              : mode == access_mode::whole
+                                  ? write_whole(transferred, source)
+                                  : H5Dwrite(dataset_.get(), transferred, memory, space_.get(), H5P_DEFAULT, source);
         if (result < 0) {
             return refuse(write, result);
         }
