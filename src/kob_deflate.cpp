@@ -1,18 +1,27 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// zlib streams: what cannot be compressed is stored, the rest goes through libdeflate.
+// zlib streams: what cannot be compressed is stored, the rest goes through libdeflate, or zlib where that is better.
 #include "kob_deflate.hpp"
 
 #include "kob_literal_block.hpp"
 #include "kob_repetition.hpp"
 
 #include <libdeflate.h>
+#include <zlib.h>
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <limits>
+#include <vector>
 
 namespace kob {
 namespace {
+
+/// zlib's hasty level makes smaller streams of regular data than libdeflate's quick ones, in about their time, but larger
+/// ones of other data: a few slices tell.
+constexpr int level_of_zlib = 1;
+constexpr std::size_t slices = 6;
+constexpr std::size_t slice_size = 65536; // smaller ones do zlib wrong: it begins more often
 
 /// The level of libdeflate for zlib's level of the same index. Its lower ones save hardly any time on shuffled numbers,
 /// and make larger streams than zlib does.
@@ -26,6 +35,40 @@ std::size_t stored_bound(std::size_t size)
 {
     constexpr std::size_t header_size = 5;
     return size + (size / 8192 + 2) * header_size;
+}
+
+/// The last blocks of a stream by zlib, at its level. 0 when there is no room or memory.
+std::size_t compress_by_zlib(std::span<const std::byte> source, std::byte* target, std::size_t room) noexcept
+{
+    constexpr int blocks_alone = -15; // bits of the window, without a header
+    constexpr int usual_memory = 8;
+    z_stream stream{};
+    if (deflateInit2(&stream, level_of_zlib, Z_DEFLATED, blocks_alone, usual_memory, Z_DEFAULT_STRATEGY) != Z_OK) {
+        return 0;
+    }
+    // zlib's numbers are of 32 bits, as are those of HDF5's chunks; its pointers are to bytes that it doesn't write.
+    stream.next_in = reinterpret_cast<Bytef*>(const_cast<std::byte*>(source.data())); // NOLINT(*-cast)
+    stream.avail_in = static_cast<uInt>(source.size());
+    stream.next_out = reinterpret_cast<Bytef*>(target); // NOLINT(*-reinterpret-cast)
+    stream.avail_out = static_cast<uInt>(std::min<std::size_t>(room, std::numeric_limits<uInt>::max()));
+    const bool is_complete = deflate(&stream, Z_FINISH) == Z_STREAM_END;
+    const std::size_t size = stream.total_out;
+    deflateEnd(&stream);
+    return is_complete ? size : 0;
+}
+
+bool zlib_makes_less_of(std::span<const std::byte> source, libdeflate_compressor* compressor)
+{
+    const std::size_t size = std::min(source.size(), slice_size);
+    std::vector<std::byte> room(libdeflate_deflate_compress_bound(compressor, size));
+    std::size_t by_zlib = 0;
+    std::size_t by_libdeflate = 0;
+    for (std::size_t i = 0; i < slices; ++i) {
+        const auto slice = source.subspan((source.size() - size) / (slices - 1) * i, size);
+        by_zlib += compress_by_zlib(slice, room.data(), room.size());
+        by_libdeflate += libdeflate_deflate_compress(compressor, slice.data(), slice.size(), room.data(), room.size());
+    }
+    return by_zlib != 0 && by_zlib < by_libdeflate;
 }
 
 /// Writes blocks for the segments at the start that repeat nothing, and tells how many bytes those are.
@@ -149,15 +192,18 @@ std::optional<std::size_t> Deflater::compress(std::span<const std::byte> source,
     const bool is_complete = level == 0 || (done != 0 && done == source.size());
     std::byte* end = writer.finish(is_complete);
     if (!is_complete) {
+        const auto rest = source.subspan(done);
+        const auto room = static_cast<std::size_t>(target.data() + target.size() - end);
         if (!compressor_) {
             compressor_.reset(libdeflate_alloc_compressor(level));
             if (!compressor_) {
                 return {};
             }
         }
-        const auto rest = source.subspan(done);
-        const auto room = static_cast<std::size_t>(target.data() + target.size() - end);
-        const std::size_t size = libdeflate_deflate_compress(compressor_.get(), rest.data(), rest.size(), end, room);
+        const std::size_t size =
+            level_ == level_of_zlib && zlib_makes_less_of(rest, compressor_.get())
+                ? compress_by_zlib(rest, end, room)
+                : libdeflate_deflate_compress(compressor_.get(), rest.data(), rest.size(), end, room);
         if (size == 0) {
             return {};
         }

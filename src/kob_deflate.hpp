@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// zlib streams, as HDF5's deflate filter writes and reads them, made by libdeflate.
+// zlib streams, as HDF5's deflate filter writes and reads them.
 #pragma once
 
 #include <cstddef>
