@@ -31,10 +31,13 @@ constexpr std::array stream_header{std::byte{0x78}, std::byte{0x9c}}; // deflate
 constexpr std::size_t checksum_size = 4;
 constexpr std::size_t block_slack = 16; // what a writer of blocks may touch behind them, and a block between two makers
 
+constexpr std::size_t smallest_segment = 2048; // bytes that are looked at together: as few as tell something
+
 std::size_t stored_bound(std::size_t size)
 {
     constexpr std::size_t header_size = 5;
-    return size + (size / 8192 + 2) * header_size;
+    // No two segments may be alike, and each end up in a stored block of its own.
+    return size + (size / smallest_segment + 2) * header_size;
 }
 
 /// The last blocks of a stream by zlib, at its level. 0 when there is no room or memory.
@@ -102,9 +105,8 @@ public:
     }
 
 private:
-    /// Half as many bytes as zlib takes for one set of codes, which may be joined again, and as few as tell something.
+    /// Half as many bytes as zlib takes for one set of codes, which may be joined again.
     static constexpr std::size_t largest_segment = 8192;
-    static constexpr std::size_t smallest_segment = 2048;
 
     /// Planes are divided evenly: what lies in two of them has little in common.
     [[nodiscard]] std::size_t segment_size() const

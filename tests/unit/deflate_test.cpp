@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <random>
@@ -133,6 +134,33 @@ TEST_F(Deflate, Noise_is_stored)
     Bytes noise;
     append(noise, 1000000, 0);
     EXPECT_LE(stream_of(noise, 6).size(), noise.size() + noise.size() / 10000 + 20);
+}
+
+// Of 256 characters each, shuffled: a plane of even noise, one of noise that is a little uneven, and so on. Neither is worth
+// codes of its own, and the two are not joined.
+TEST_F(Deflate, Noise_in_many_small_planes_stays_in_the_bound)
+{
+    constexpr std::size_t plane_size = 2048;
+    constexpr std::size_t planes = 256;
+    Bytes noise;
+    for (std::size_t plane = 0; plane < planes; ++plane) {
+        const std::size_t before = noise.size();
+        for (std::size_t value = 0; value < 256; ++value) {
+            const std::size_t count = plane % 2 == 0 ? 8 : value % 2 == 0 ? 12 : 4;
+            noise.insert(noise.end(), count, static_cast<std::byte>(value));
+        }
+        ASSERT_EQ(noise.size() - before, plane_size);
+        std::shuffle(noise.begin() + static_cast<std::ptrdiff_t>(before), noise.end(), dice());
+    }
+    const std::size_t bound = kob::Deflater::bound(noise.size());
+    Bytes stream(2 * bound, std::byte{0x5a});
+    kob::Deflater deflater{6};
+    const auto size = deflater.compress(noise, {stream.data(), bound}, plane_size);
+    ASSERT_TRUE(size.has_value());
+    EXPECT_GT(*size, noise.size() + planes) << "the planes are blocks of their own";
+    EXPECT_LE(*size, bound);
+    stream.resize(*size);
+    EXPECT_EQ(read_by_hdf5(stream, noise.size()), noise);
 }
 
 TEST_F(Deflate, Repeated_noise_is_not)
