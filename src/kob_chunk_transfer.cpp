@@ -132,11 +132,15 @@ public:
         const Converter converter{dataset_.type.get(), memory_type};
         const std::size_t memory_size = H5Tget_size(memory_type);
         return for_each_chunk(block, dataset_.extents(), dataset_.chunk_extents(), [&](const ChunkPart& part) {
+            const hsize_t size = stored_size(part.origin);
+            if (size == 0) { // a chunk that is not there needs no room, however large it would be
+                return is_missing(part.first) && read_fill(part, block, converter, memory_size, data);
+            }
             if (std::byte* dense = in_memory(part, block, converter, data)) {
-                return fetch(part.origin, part.first, dense);
+                return load(part.origin, size, dense);
             }
             std::byte* const plain = codec_.plain();
-            return plain != nullptr && fetch(part.origin, part.first, plain) &&
+            return plain != nullptr && load(part.origin, size, plain) &&
                    for_each_run(part, block, dataset_.chunk_extents(), [&](const Run& run) {
                        return converter.convert(plain + run.in_chunk * dataset_.element_size, run.elements,
                                                 data + run.in_memory * memory_size);
@@ -337,15 +341,40 @@ private:
                H5Dread(dataset_.id, dataset_.type.get(), one.get(), space.get(), H5P_DEFAULT, value.data()) >= 0;
     }
 
+    /// Gives a part the fill value, as the caller's type has it.
+    bool read_fill(const ChunkPart& part, const Block& block, const Converter& converter, std::size_t memory_size,
+                   std::byte* data) const
+    {
+        std::vector<std::byte> element(memory_size);
+        return converter.convert(dataset_.fill.data(), 1, element.data()) &&
+               for_each_run(part, block, dataset_.chunk_extents(), [&](const Run& run) {
+                   fill_with(element, run.elements, data + run.in_memory * memory_size);
+                   return true;
+               });
+    }
+
     /// The plain elements of the chunk that holds `element`; the fill value where there is none in the file.
     bool fetch(const Position& origin, const Position& element, std::byte* plain)
     {
-        hsize_t size = 0;
-        is_there_ = H5Dget_chunk_storage_size(dataset_.id, origin.data(), &size) >= 0 && size != 0;
+        const hsize_t size = stored_size(origin);
+        is_there_ = size != 0;
         if (!is_there_) {
             fill_with(dataset_.fill, dataset_.chunk_elements, plain);
             return is_missing(element);
         }
+        return load(origin, size, plain);
+    }
+
+    /// Bytes of a chunk in the file; 0 when none is found there.
+    [[nodiscard]] hsize_t stored_size(const Position& origin) const
+    {
+        hsize_t size = 0;
+        return H5Dget_chunk_storage_size(dataset_.id, origin.data(), &size) >= 0 ? size : 0;
+    }
+
+    /// The plain elements of a chunk that takes `size` bytes in the file.
+    bool load(const Position& origin, hsize_t size, std::byte* plain)
+    {
         std::byte* const room = codec_.stored_room(static_cast<std::size_t>(size), plain);
         StoredChunk stored{{room, static_cast<std::size_t>(size)}, 0};
         return room != nullptr &&

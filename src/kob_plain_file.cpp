@@ -21,6 +21,8 @@ constexpr std::size_t piece_of_block = std::size_t{12} * 1024;
 constexpr std::size_t piece_of_walk = std::size_t{4} * 1024;
 constexpr std::size_t largest_piece = std::size_t{16} << 20; // no structure of a plain file is larger
 constexpr std::size_t most_kept = 4096;                      // nor does one object need so many
+constexpr std::size_t most_held = std::size_t{64} << 20;     // bytes of pieces that overlap, in a file made to do harm
+constexpr Address most_readings = 64;                        // of a whole file: small structures lie in larger pieces
 constexpr std::size_t superblock_size = 96;
 constexpr std::array<unsigned char, 8> signature{0x89, 'H', 'D', 'F', '\r', '\n', 0x1a, '\n'};
 
@@ -116,21 +118,27 @@ Bytes File::at(Address address, std::size_t size)
             return {piece.bytes.get() + (address - piece.address), size};
         }
     }
-    make_room();
     Piece piece{address, static_cast<std::size_t>(std::min<Address>(std::max(size, usual_piece_), end_ - address)), {}};
+    make_room(piece.size);
     piece.bytes.reset(new unsigned char[piece.size]); // NOLINT(cppcoreguidelines-owning-memory)
     read(address, piece.size, piece.bytes.get());
+    held_ += piece.size;
     pieces_.push_back(std::move(piece));
     return {pieces_.back().bytes.get(), size};
 }
 
-void File::make_room()
+void File::make_room(std::size_t size)
 {
+    asked_ += size;
+    expect(asked_ <= most_held || (asked_ - most_held) / most_readings <= end_);
     if (mode_ == Pieces::kept) {
         expect(pieces_.size() < most_kept);
-    } else if (pieces_.size() >= 2 * surely_held) {
-        pieces_.erase(pieces_.begin(), pieces_.end() - surely_held);
+    } else if (pieces_.size() >= 2 * surely_held || (pieces_.size() > surely_held && held_ + size > most_held)) {
+        const auto latest = pieces_.end() - surely_held;
+        std::for_each(pieces_.begin(), latest, [this](const Piece& piece) { held_ -= piece.size; });
+        pieces_.erase(pieces_.begin(), latest);
     }
+    expect(held_ + size <= most_held);
 }
 
 void File::read(Address address, std::size_t size, void* into) const

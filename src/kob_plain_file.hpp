@@ -102,7 +102,7 @@ public:
 private:
     File(int descriptor, Pieces mode);
     void read_superblock();
-    void make_room();
+    void make_room(std::size_t size);
 
     struct Piece {
         Address address = 0;
@@ -117,6 +117,8 @@ private:
     std::size_t leaf_k_ = 0;
     std::size_t node_k_ = 0;
     std::vector<Piece> pieces_;
+    std::size_t held_ = 0; ///< bytes of them
+    Address asked_ = 0;    ///< bytes of all pieces so far
 };
 
 /// The address of an open object in its file.

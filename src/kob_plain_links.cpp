@@ -22,6 +22,8 @@ public:
         check_free_list(head.u64(16));
     }
 
+    [[nodiscard]] std::size_t size() const { return data_.size(); }
+
     /// An empty name is a key of the tree alone.
     [[nodiscard]] std::string_view name(std::uint64_t at) const
     {
@@ -95,6 +97,9 @@ private:
             expect(!name.empty() && name.find('/') == std::string_view::npos && entry.u64(8) != nowhere &&
                    entry.u32(16) <= largest_kind);
             expect(links_.empty() || links_.back().name < name);
+            // Each name has a place of its own.
+            names_size_ += name.size() + 1;
+            expect(names_size_ <= heap_.size());
             links_.push_back({std::string{name}, entry.u64(8)});
         }
     }
@@ -102,6 +107,7 @@ private:
     File& file_;
     const Heap& heap_;
     std::vector<Link>& links_;
+    std::size_t names_size_ = 0;
 };
 
 } // namespace

@@ -8,6 +8,7 @@
 #include <functional>
 #include <numeric>
 #include <random>
+#include <sys/resource.h>
 
 #include "support/chunked_dataset.hpp"
 #include "support/temp_file.hpp"
@@ -340,4 +341,28 @@ TEST_F(Chunks, A_stream_longer_than_the_chunk_fails)
     put_raw_chunk(dataset, {0}, raw_chunk(longer, {0}));
     Bytes found(400 * 8);
     EXPECT_EQ(read(dataset, H5T_NATIVE_DOUBLE, all_of({400}), found.data()), ChunkTransfer::failed);
+}
+
+// A file of a few kilobytes may say that its chunks are as large as HDF5 lets them be.
+TEST_F(Chunks, A_huge_chunk_that_is_not_there_takes_no_memory)
+{
+    const auto highest_kilobytes = [] {
+        rusage usage{};
+        getrusage(RUSAGE_SELF, &usage);
+        return usage.ru_maxrss;
+    };
+    const hsize_t chunk = hsize_t{1} << 28; // 2 GB
+    const auto list = chunked_list({chunk}, [](hid_t chunked) {
+        const double fill = 2.5;
+        H5Pset_fill_value(chunked, H5T_NATIVE_DOUBLE, &fill);
+        shuffled_and_deflated(chunked);
+    });
+    const hsize_t extent = 3;
+    const Hid space = space_of({extent}, {H5S_UNLIMITED});
+    const Hid dataset = H5Dcreate2(at(), "huge", H5T_IEEE_F64LE, space, H5P_DEFAULT, list, H5P_DEFAULT);
+    std::vector<float> found(3);
+    const long before = highest_kilobytes();
+    ASSERT_EQ(read(dataset, H5T_NATIVE_FLOAT, all_of({extent}), found.data()), ChunkTransfer::done);
+    EXPECT_EQ(found, std::vector<float>(3, 2.5F));
+    EXPECT_LT(highest_kilobytes() - before, 500'000);
 }

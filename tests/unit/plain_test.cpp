@@ -11,11 +11,13 @@
 #include <array>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <iterator>
 #include <memory>
+#include <optional>
 #include <random>
 #include <string>
 #include <vector>
@@ -344,6 +346,78 @@ TEST(Plain, UnusualDatasetsAreLeftToHdf5)
     EXPECT_FALSE(block->read_dataset({"row", 2, 4, nullptr, 0, values.data()})) << "not one element";
     EXPECT_FALSE(block->read_dataset({"row", 2, 8, &ten, 1, values.data()})) << "another size";
     EXPECT_FALSE(block->read_dataset({"row", 3, 4, &ten, 1, values.data()})) << "another class";
+}
+
+// ---- files made to do harm
+
+/// A file of eight million bytes.
+OddFile large_file()
+{
+    return OddFile{[](hid_t group) {
+        const Hid creation = H5Pcreate(H5P_DATASET_CREATE);
+        H5Pset_alloc_time(creation, H5D_ALLOC_TIME_EARLY);
+        const Hid large =
+            H5Dcreate2(group, "d", H5T_STD_I32LE, space_of({2'000'000}), H5P_DEFAULT, creation, H5P_DEFAULT);
+    }};
+}
+
+/// So many pieces of this size, each a little behind the one before, can be had.
+std::size_t pieces_until_surprise(hid_t group, kob::plain::File::Pieces mode, std::size_t size)
+{
+    std::optional<kob::plain::File> file = kob::plain::File::of(group, mode);
+    if (!file) return 0;
+    std::size_t pieces = 0;
+    try {
+        for (; pieces < 5000; ++pieces) file->at(pieces, size);
+    } catch (const kob::plain::Surprise&) { // what the count is for
+    }
+    return pieces;
+}
+
+TEST(HarmfulPlain, PiecesThatOverlapDoNotFillTheMemory)
+{
+    const OddFile odd = large_file();
+    const Hid group = odd.group();
+    for (const auto mode : {kob::plain::File::Pieces::kept, kob::plain::File::Pieces::passing}) {
+        EXPECT_EQ(pieces_until_surprise(group, mode, 4'000'000), 16U) << "64 MiB";
+    }
+}
+
+TEST(HarmfulPlain, TheSameIsNotReadOverAndOver)
+{
+    const OddFile odd = large_file();
+    const std::size_t pieces = pieces_until_surprise(odd.group(), kob::plain::File::Pieces::passing, 1'000'000);
+    EXPECT_THAT(pieces, testing::AllOf(Gt(500U), testing::Lt(700U))) << "64 times 8 MB and a little";
+}
+
+/// Names of a group that lie one in the other: eight names of 200 characters in a heap of some hundred bytes.
+std::string with_nested_names(std::string bytes)
+{
+    const auto number_at = [&](std::size_t at) {
+        std::uint64_t number = 0;
+        std::memcpy(&number, &bytes.at(at), sizeof number);
+        return number;
+    };
+    const auto put = [&](std::size_t at, std::uint64_t number) { std::memcpy(&bytes.at(at), &number, sizeof number); };
+    std::size_t leaf = bytes.find("SNOD");
+    while (bytes.at(leaf + 6) != 8) leaf = bytes.find("SNOD", leaf + 1);
+    std::size_t tree = bytes.find("TREE");
+    while (number_at(tree + 32) != leaf) tree = bytes.find("TREE", tree + 1);
+    const std::uint64_t first = number_at(leaf + 8);
+    for (std::size_t i = 0; i < 8; ++i) put(leaf + 8 + 40 * i, first + i);
+    put(tree + 40, first + 7);
+    return bytes;
+}
+
+TEST(HarmfulPlain, NamesHaveNoPlaceInCommon)
+{
+    const OddFile odd{[](hid_t group) {
+        create_group(group, "abcdefgh" + std::string(192, 'z'));
+        for (const char* name : {"b", "c", "d", "e", "f", "g", "h"}) create_group(group, name);
+    }};
+    EXPECT_TRUE(is_walked(odd.group()));
+    store(odd.temporary.path(), with_nested_names(bytes_of(odd.temporary.path())));
+    EXPECT_FALSE(is_walked(odd.group()));
 }
 
 // ---- damaged files
