@@ -115,7 +115,12 @@ Bytes File::at(Address address, std::size_t size)
         const Piece& piece = pieces_[i];
         if (address >= piece.address && address - piece.address <= piece.size &&
             size <= piece.size - (address - piece.address)) {
-            return {piece.bytes.get() + (address - piece.address), size};
+            const Bytes found{piece.bytes.get() + (address - piece.address), size};
+            if (mode_ == Pieces::passing) { // those that were asked for last stay longest
+                const auto here = pieces_.begin() + static_cast<std::ptrdiff_t>(i);
+                std::rotate(here, here + 1, pieces_.end());
+            }
+            return found;
         }
     }
     Piece piece{address, static_cast<std::size_t>(std::min<Address>(std::max(size, usual_piece_), end_ - address)), {}};

@@ -383,6 +383,26 @@ TEST(HarmfulPlain, PiecesThatOverlapDoNotFillTheMemory)
     }
 }
 
+TEST(Plain, APieceStaysAfterItWasAskedForHoweverOldItIs)
+{
+    const OddFile odd = large_file();
+    const std::string all = bytes_of(odd.temporary.path());
+    using kob::plain::File;
+    const Hid group = odd.group();
+    // Whatever number of pieces is held: the first, which is the oldest, is used once more before others are read.
+    for (std::size_t before = 1; before < 200; ++before) {
+        std::optional<File> file = File::of(group, File::Pieces::passing);
+        ASSERT_TRUE(file);
+        constexpr std::size_t apart = 10'000;
+        for (std::size_t i = 0; i < before; ++i) file->at(i * apart, 500);
+        const kob::plain::Bytes again = file->at(0, 500);
+        for (std::size_t i = 1; i < File::surely_held; ++i) {
+            file->at((before + i) * apart, 500);
+            ASSERT_EQ(std::memcmp(again.data(), all.data(), 500), 0) << before << " pieces before, " << i << " behind";
+        }
+    }
+}
+
 TEST(HarmfulPlain, TheSameIsNotReadOverAndOver)
 {
     const OddFile odd = large_file();
