@@ -13,7 +13,7 @@ std::optional<ChunkFilters> chunk_filters(hid_t creation_properties, hid_t type,
     ChunkFilters filters;
     const int count = H5Pget_nfilters(creation_properties);
     constexpr int most = 3;
-    if (count < 1 || count > most) {
+    if (count < 0 || count > most) {
         return {};
     }
     const std::size_t element_size = H5Tget_size(type);

@@ -24,9 +24,11 @@ struct ChunkFilters {
     std::uint32_t deflate = 0;
     int deflate_level = 0;
     ScaleOffset scaling{};
+
+    [[nodiscard]] bool any() const { return (scale_offset | shuffle | deflate) != 0; }
 };
 
-/// The filters of a dataset; nothing when there are none, or some that we leave to HDF5.
+/// The filters of a dataset; nothing when there are some that we leave to HDF5.
 std::optional<ChunkFilters> chunk_filters(hid_t creation_properties, hid_t type, std::size_t chunk_elements);
 
 /// What lies in the file of one chunk.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The quick way for filtered datasets: chunks are encoded and decoded here and handed to HDF5 ready made.
+// The quick way for datasets in chunks: these are encoded and decoded here and handed to HDF5 ready made.
 #pragma once
 
 #include "kob_chunk_grid.hpp"
@@ -18,10 +18,10 @@ enum class ChunkTransfer {
 };
 
 /// Writes a block of a dataset from dense elements of a type of the stored one's class. HDF5 reads the same values
-/// from the file as if it had written them.
+/// from the file as if it had written them. Without filters taken for whole chunks alone.
 ChunkTransfer write_chunks(hid_t dataset, hid_t memory_type, const Block& block, const void* data) noexcept;
 
-/// Reads a block of a dataset.
+/// Reads a block of a filtered dataset.
 ChunkTransfer read_chunks(hid_t dataset, hid_t memory_type, const Block& block, void* data) noexcept;
 
 /// Writes or reads single elements; `coordinates` are the positions of one after the other, which lie in the dataset.

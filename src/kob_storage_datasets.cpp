@@ -63,7 +63,10 @@ public:
         return true;
     }
 
-    /// Writes or reads the chunks of a filtered dataset, if they are not left to HDF5.
+    /// Elements of a block that is placed.
+    [[nodiscard]] hsize_t block_elements() const { return product(std::span{count_}.first(rank_)); }
+
+    /// Writes or reads chunks, if they are not left to HDF5.
     ChunkTransfer write_chunks(hid_t dataset, hid_t memory_type, const void* data) const
     {
         return mode_ == access_mode::points ? write_points(dataset, memory_type, placed_, data)
@@ -326,6 +329,13 @@ private:
         return dataset_ ? 0 : refuse(dataset_write::create);
     }
 
+    /// Is it worth a look at the chunks whether they can be handed over as they are?
+    [[nodiscard]] bool is_large_block() const
+    {
+        constexpr hsize_t worth_a_look = 65536; // bytes
+        return mode == access_mode::block && selection.block_elements() >= worth_a_look / kob_size;
+    }
+
     std::int32_t transfer(SharedIds& ids)
     {
         using namespace dataset_write;
@@ -357,8 +367,9 @@ private:
                 source = texts.data();
             }
         }
-        const ChunkTransfer chunks =
-            is_filtered_ ? selection.write_chunks(dataset_.get(), transferred, source) : ChunkTransfer::left;
+        const ChunkTransfer chunks = is_filtered_ || is_large_block()
+                                         ? selection.write_chunks(dataset_.get(), transferred, source)
+                                         : ChunkTransfer::left;
         const herr_t result = chunks != ChunkTransfer::left ? chunk_result(chunks)
                               : mode == access_mode::whole
                                   ? write_whole(transferred, source)

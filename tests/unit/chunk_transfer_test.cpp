@@ -271,7 +271,6 @@ TEST_F(Chunks, What_HDF5_keeps_in_its_cache_is_seen)
 
 TEST_F(Chunks, Datasets_of_other_filters_and_layouts_are_left_to_HDF5)
 {
-    const auto nothing = [](hid_t) {};
     const auto deflated_first = [](hid_t list) {
         H5Pset_deflate(list, 6);
         H5Pset_shuffle(list);
@@ -285,11 +284,8 @@ TEST_F(Chunks, Datasets_of_other_filters_and_layouts_are_left_to_HDF5)
         H5Pset_fill_value(list, H5T_NATIVE_DOUBLE, nullptr);
     };
     Bytes values(800);
-    for (const std::function<void(hid_t)>& filters : {std::function<void(hid_t)>{nothing},
-                                                      {H5Pset_fletcher32},
-                                                      {deflated_first},
-                                                      {never_filled},
-                                                      {without_fill_value}}) {
+    for (const std::function<void(hid_t)>& filters :
+         {std::function<void(hid_t)>{H5Pset_fletcher32}, {deflated_first}, {never_filled}, {without_fill_value}}) {
         const Hid dataset = make_doubles(100, filters);
         EXPECT_EQ(write(dataset, H5T_NATIVE_DOUBLE, all_of({100}), values.data()), ChunkTransfer::left);
         EXPECT_EQ(read(dataset, H5T_NATIVE_DOUBLE, all_of({100}), values.data()), ChunkTransfer::left);
@@ -299,6 +295,35 @@ TEST_F(Chunks, Datasets_of_other_filters_and_layouts_are_left_to_HDF5)
     const Hid dataset = make_doubles(100, shuffled_and_deflated);
     EXPECT_EQ(write(dataset, H5T_NATIVE_DOUBLE, all_of({100}), nullptr), ChunkTransfer::left);
     EXPECT_TRUE(raw_chunk(dataset, {0}).bytes.empty());
+}
+
+TEST_F(Chunks, Without_filters_whole_chunks_alone_are_taken)
+{
+    const Hid list = chunked_list({1, 1000}, [](hid_t) {});
+    const Hid dataset = create_dataset(at(), "rows", H5T_IEEE_F64LE, {3, 4000}, list);
+    Bytes values = some_values(H5T_NATIVE_DOUBLE, 3 * 4000);
+    const std::size_t row = 4000 * sizeof(double);
+    // Twice: what lies there already is replaced.
+    for (int i = 0; i < 2; ++i) {
+        std::reverse(values.begin(), values.end());
+        EXPECT_EQ(write(dataset, H5T_NATIVE_DOUBLE, all_of({3, 4000}), values.data()), ChunkTransfer::done);
+        EXPECT_EQ(stored_bytes(dataset), values);
+    }
+    const Bytes middle = some_values(H5T_NATIVE_DOUBLE, 4000);
+    EXPECT_EQ(write(dataset, H5T_NATIVE_DOUBLE, {{1, 0}, {1, 4000}}, middle.data()), ChunkTransfer::done);
+    std::copy(middle.begin(), middle.end(), values.begin() + static_cast<std::ptrdiff_t>(row));
+    EXPECT_EQ(stored_bytes(dataset), values);
+
+    EXPECT_EQ(read(dataset, H5T_NATIVE_DOUBLE, all_of({3, 4000}), values.data()), ChunkTransfer::left);
+    EXPECT_EQ(write(dataset, H5T_NATIVE_DOUBLE, {{0, 0}, {1, 3999}}, middle.data()), ChunkTransfer::left);
+    EXPECT_EQ(write(dataset, H5T_NATIVE_DOUBLE, {{0, 500}, {1, 1000}}, middle.data()), ChunkTransfer::left);
+    EXPECT_EQ(write(dataset, H5T_NATIVE_FLOAT, {{0, 0}, {1, 4000}}, middle.data()), ChunkTransfer::left);
+    const Hid with_rest = create_dataset(at(), "rest", H5T_IEEE_F64LE, {3, 3999}, list);
+    EXPECT_EQ(write(with_rest, H5T_NATIVE_DOUBLE, {{0, 0}, {1, 3999}}, middle.data()), ChunkTransfer::left);
+    const Hid two_rows =
+        create_dataset(at(), "pairs", H5T_IEEE_F64LE, {4, 1000}, chunked_list({2, 1000}, [](hid_t) {}));
+    EXPECT_EQ(write(two_rows, H5T_NATIVE_DOUBLE, {{0, 0}, {1, 1000}}, middle.data()), ChunkTransfer::left);
+    EXPECT_EQ(stored_bytes(dataset), values);
 }
 
 TEST_F(Chunks, A_damaged_chunk_fails_and_harms_nothing)
