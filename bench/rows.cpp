@@ -156,7 +156,7 @@ std::vector<Row> rows(Size size)
         erase("erase them, against a list of them", erasing(size), erase_told, 1.50),
         merge("merge 8 x 125,000, against a sort", domains(size), merge_sorting, 0.40, 0.15, true),
         merge("merge 8 x 125,000 in order, against a sort", domains(size, true), merge_sorting, 0.40, 0.15, true),
-        merge("merge 8 x 125,000, against a copy", domains(size), copy_rows, 1.50, 1.00, false),
+        merge("merge 8 x 125,000, against a copy", domains(size), copy_rows, 2.00, 1.00, false),
         write("write 10^6 hexahedra", hexahedra(size), {1.05, 1.00, 2 * mega}),
         read("read 10^6 hexahedra", hexahedra(size), {1.05, 1.00, 2 * mega}),
         write("write 5 x 100,000 elements x 8 x 6", elements(size), {1.05, 1.00, 2 * mega}),

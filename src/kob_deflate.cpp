@@ -203,7 +203,8 @@ std::optional<std::size_t> Deflater::compress(std::span<const std::byte> source,
             }
         }
         const std::size_t size =
-            level_ == level_of_zlib && zlib_makes_less_of(rest, compressor_.get())
+            level_ == level_of_zlib && rest.size() <= std::numeric_limits<uInt>::max() &&
+                    zlib_makes_less_of(rest, compressor_.get())
                 ? compress_by_zlib(rest, end, room)
                 : libdeflate_deflate_compress(compressor_.get(), rest.data(), rest.size(), end, room);
         if (size == 0) {

@@ -29,6 +29,11 @@ std::string_view up_to_nul(const char* text, std::int32_t length) noexcept
 std::string_view trimmed(const char* text, std::int32_t length) noexcept
 {
     std::string_view view = up_to_nul(text, length);
+    // Most of a field are blanks: a word of them at a time.
+    constexpr std::string_view blanks{"        "};
+    while (view.ends_with(blanks)) {
+        view.remove_suffix(blanks.size());
+    }
     while (!view.empty() && !is_graphic(view.back())) {
         view.remove_suffix(1);
     }
