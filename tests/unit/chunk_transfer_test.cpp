@@ -11,6 +11,7 @@
 #include <sys/resource.h>
 
 #include "support/chunked_dataset.hpp"
+#include "support/dice.hpp"
 #include "support/temp_file.hpp"
 
 using namespace kob_test;
@@ -18,15 +19,8 @@ using kob::ChunkTransfer;
 
 namespace {
 
-std::mt19937_64& dice()
-{
-    static std::mt19937_64 generator{20240229};
-    return generator;
-}
-std::size_t between(std::size_t low, std::size_t high)
-{
-    return std::uniform_int_distribution<std::size_t>{low, high}(dice());
-}
+Dice dice{20240229};
+std::size_t between(std::size_t low, std::size_t high) { return dice.between(low, high); }
 
 ChunkTransfer write(hid_t dataset, hid_t memory_type, const BlockOf& block, const void* data)
 {

@@ -13,21 +13,15 @@
 
 #include "kob_chunk_transfer.hpp"
 #include "support/chunked_dataset.hpp"
+#include "support/dice.hpp"
 #include "support/temp_file.hpp"
 
 using namespace kob_test;
 
 namespace {
 
-std::mt19937_64& dice()
-{
-    static std::mt19937_64 generator{20240303};
-    return generator;
-}
-std::size_t between(std::size_t low, std::size_t high)
-{
-    return std::uniform_int_distribution<std::size_t>{low, high}(dice());
-}
+Dice dice{20240303};
+std::size_t between(std::size_t low, std::size_t high) { return dice.between(low, high); }
 
 /// Appends so many bytes of one kind: noise, uneven noise, repeated noise, all the same, a slow ramp.
 void append(Bytes& bytes, std::size_t size, std::size_t kind)

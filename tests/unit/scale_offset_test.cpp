@@ -13,6 +13,7 @@
 #include "kob_chunk_transfer.hpp"
 #include "kob_storage.hpp"
 #include "support/chunked_dataset.hpp"
+#include "support/dice.hpp"
 #include "support/temp_file.hpp"
 
 using namespace kob_test;
@@ -20,15 +21,8 @@ using kob::ChunkTransfer;
 
 namespace {
 
-std::mt19937_64& dice()
-{
-    static std::mt19937_64 generator{20240301};
-    return generator;
-}
-std::size_t between(std::size_t low, std::size_t high)
-{
-    return std::uniform_int_distribution<std::size_t>{low, high}(dice());
-}
+Dice dice{20240301};
+std::size_t between(std::size_t low, std::size_t high) { return dice.between(low, high); }
 double real_between(double low, double high) { return std::uniform_real_distribution<double>{low, high}(dice()); }
 
 template <class Number> hid_t native()

@@ -10,6 +10,7 @@
 #include "kob_chunk_transfer.hpp"
 #include "kob_storage.hpp"
 #include "support/chunked_dataset.hpp"
+#include "support/dice.hpp"
 #include "support/temp_file.hpp"
 
 using namespace kob_test;
@@ -136,15 +137,8 @@ private:
     Reals given_;
 };
 
-std::mt19937_64& dice()
-{
-    static std::mt19937_64 generator{20240302};
-    return generator;
-}
-std::size_t between(std::size_t low, std::size_t high)
-{
-    return std::uniform_int_distribution<std::size_t>{low, high}(dice());
-}
+Dice dice{20240302};
+std::size_t between(std::size_t low, std::size_t high) { return dice.between(low, high); }
 
 /// Rows whose magnitude is drawn anew each time.
 template <class Real> std::vector<Real> any_rows(std::size_t rows)
