@@ -6,12 +6,35 @@
 #include "kob_storage_types.hpp"
 
 #include <algorithm>
+#include <optional>
 
 namespace kob {
 namespace {
 
 /// Nearly every attribute is one element. Its storage tells that sooner than its dataspace.
 bool is_single(hid_t attribute, std::size_t size) noexcept { return H5Aget_storage_size(attribute) == size; }
+
+/// What of a stored shape is not as expected.
+struct OtherShape {
+    bool is_rank;          ///< else an extent
+    std::int32_t quantity; ///< the rank that was found, or the dimension
+};
+
+/// Compares an attribute of elements of `size` bytes with the shape that a caller expects.
+std::optional<OtherShape> other_shape(hid_t attribute, std::size_t size, const hsize_t* dims,
+                                      std::int32_t rank) noexcept
+{
+    if (rank <= 0 && is_single(attribute, size)) {
+        return {};
+    }
+    const Id space{H5Aget_space(attribute), H5Sclose};
+    const StoredShape shape = stored_shape(space.get());
+    if (rank > 0 ? shape.rank != rank : shape.elements != 1) {
+        return OtherShape{true, shape.rank};
+    }
+    const std::int32_t differing = rank > 0 ? first_difference(shape, dims) : -1;
+    return differing >= 0 ? std::optional{OtherShape{false, differing}} : std::nullopt;
+}
 
 } // namespace
 
@@ -57,20 +80,12 @@ std::int32_t KOB_H5Awrite(const char* name, const void* data, std::int32_t kob_t
             return refuse(other_class, found);
         }
         const std::size_t size = H5Tget_size(stored.type);
-        hssize_t elements = 1;
-        if (rank > 0 || !is_single(attribute.get(), size)) {
-            const Id space{H5Aget_space(attribute.get()), H5Sclose};
-            const StoredShape shape = stored_shape(space.get());
-            if (rank > 0 ? shape.rank != rank : shape.elements != 1) {
-                return refuse(other_rank, shape.rank);
-            }
-            if (const std::int32_t differing = rank > 0 ? first_difference(shape, dims) : -1; differing >= 0) {
-                return refuse(other_extent, differing);
-            }
-            elements = shape.elements;
+        if (const auto other = other_shape(attribute.get(), size, dims, rank)) {
+            return refuse(other->is_rank ? other_rank : other_extent, other->quantity);
         }
         if (kob_type == type_code::text && size != kob_size) {
-            texts = repacked_texts(data, static_cast<std::size_t>(elements), kob_size, size);
+            const hsize_t elements = rank > 0 ? product({dims, static_cast<std::size_t>(rank)}) : 1;
+            texts = repacked_texts(data, elements, kob_size, size);
             source = texts.data();
         }
     } else {
@@ -139,15 +154,8 @@ std::int32_t KOB_H5Aread(const char* name, void* data, std::int32_t kob_type, st
     if (kob_type != type_code::real && size > data_size) {
         return refuse(kob_type == type_code::text ? wider_text : wider_integer, printable(size));
     }
-    if (rank > 0 || !is_single(attribute.get(), size)) {
-        const Id space{H5Aget_space(attribute.get()), H5Sclose};
-        const StoredShape shape = stored_shape(space.get());
-        if (rank > 0 ? shape.rank != rank : shape.elements != 1) {
-            return refuse(other_rank, shape.rank);
-        }
-        if (const std::int32_t differing = rank > 0 ? first_difference(shape, dims) : -1; differing >= 0) {
-            return refuse(other_extent, differing);
-        }
+    if (const auto other = other_shape(attribute.get(), size, dims, rank)) {
+        return refuse(other->is_rank ? other_rank : other_extent, other->quantity);
     }
     const hid_t transferred = kob_type == type_code::text ? stored.get() : memory;
     if (const herr_t result = H5Aread(attribute.get(), transferred, data); result < 0) {
