@@ -6,7 +6,7 @@ namespace kob::plain {
 namespace {
 
 constexpr std::size_t deepest_tree = 32;
-constexpr std::size_t most_links = 50'000'000; // of one group; a larger one is HDF5's
+constexpr std::size_t most_links_of_group = 50'000'000; // a larger group is HDF5's
 
 /// The names of a group.
 class Heap {
@@ -89,7 +89,7 @@ private:
         const Bytes table = file_.at(address, 8 + entry_size * file_.group_leaf_entries());
         const std::size_t count = table.u16(6);
         expect(table.starts_with("SNOD\1", 5) && count <= file_.group_leaf_entries() &&
-               links_.size() + count <= most_links);
+               links_.size() + count <= most_links_of_group);
         for (std::size_t i = 0; i < count; ++i) {
             const Bytes entry = table.part(8 + entry_size * i, entry_size);
             const std::string_view name = heap_.name(entry.u64(0));

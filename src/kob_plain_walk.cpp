@@ -45,7 +45,7 @@ private:
     {
         const bool is_header = link.name == header_group_name;
         const std::size_t length = path_.size();
-        expect(++links_seen_ <= most_links);
+        expect(++links_seen_ <= most_links_of_walk);
         if (is_header || link.name == block_group_name) {
             append(link.name);
             visit_(file_, {is_header ? Found::Kind::header : Found::Kind::block, path_, link.object, parent});

@@ -77,7 +77,7 @@ public:
 private:
     std::int32_t visit_link(const Level& level, const Link& link)
     {
-        if (++links_seen_ > most_links) {
+        if (++links_seen_ > most_links_of_walk) {
             return walk_failed;
         }
         const hid_t parent = level.group.get();

@@ -21,8 +21,8 @@ struct Candidate {
 /// A walk goes on while its visitor returns 0; another value ends it and becomes its result.
 using Visitor = std::function<std::int32_t(const Candidate&)>;
 
-constexpr std::size_t deepest_level = 4096;         ///< no real file nests groups this deep
-constexpr std::uint64_t most_links = 1'000'000'000; ///< nor has it so many links
+constexpr std::size_t deepest_level = 4096;                 ///< no real file nests groups this deep
+constexpr std::uint64_t most_links_of_walk = 1'000'000'000; ///< nor has it so many links
 
 /// Visits every block and header below a group, in increasing name order, depth first. Soft and external links to
 /// groups are followed, those that lead nowhere skipped; a group that is open on the current path is not entered again.
