@@ -36,8 +36,8 @@ std::optional<double> status_bytes(const std::string& key)
     return {};
 }
 
-/// Brings the code of this program and its libraries into memory: it is nobody's working memory, and no work has to wait
-/// for it.
+/// Brings the code of this program and its libraries into memory: it is nobody's working memory, and no work has to
+/// wait for it.
 void load_code()
 {
     const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));

@@ -50,8 +50,8 @@ struct Block {
     std::vector<double> res;
 };
 
-/// Values at nodes that fill a cube: waves along its axes, another one in each component, up to 10 high, with a solver's
-/// noise of 0.00001 on them.
+/// Values at nodes that fill a cube: waves along its axes, another one in each component, up to 10 high, with a
+/// solver's noise of 0.00001 on them.
 std::vector<double> smooth_field(std::int32_t nent, std::int32_t ncoo);
 
 /// Where the blocks of a state are, below the group of the result set, as "singlestate/state000000000012/...".

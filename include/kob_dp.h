@@ -159,9 +159,9 @@ extern "C" {
  *  **What scale-offset promises.** With bit 64 every integer comes back as it was given. With bit 128 and D digits no
  *  value that is read differs from the given one, rounded to the stored size, by more than half of 10^-D (10^-D for
  *  values that lie within 10^-D of 10000) plus one unit in the last place of the chunk's largest magnitude. A chunk
- *  where that cannot be had is stored without the scale-offset step, exactly: one that holds a NaN or an infinity, whose
- *  range needs all bits of the stored size, or whose digits reach beyond the stored precision. Its filter mask in the
- *  file says so, and every HDF5 library reads it. Where several writes share a chunk (a series under
+ *  where that cannot be had is stored without the scale-offset step, exactly: one that holds a NaN or an infinity,
+ *  whose range needs all bits of the stored size, or whose digits reach beyond the stored precision. Its filter mask in
+ *  the file says so, and every HDF5 library reads it. Where several writes share a chunk (a series under
  *  KOB_SET_CHUNK_SIZE(), a block or points of a dataset), what an earlier one left stays bit for bit as it reads, if
  *  need be by storing the chunk without the step from then on. The promise is for values written through this library;
  *  HDF5 itself, writing into the same dataset, makes no such promise.
@@ -2449,19 +2449,21 @@ KOB_API void KOB_CREATE_EXTLINKS(const int64_t* sources, const int64_t* target, 
  *
  *  Every path of the domain files is found again in the target, filled as its kind asks for:
  *
- *  | Kind of block                                         | In the target                                            |
- *  |-------------------------------------------------------|----------------------------------------------------------|
- *  | system                                                | copied from the first file that holds it                 |
- *  | index, variable groups, variables, text               | each path copied from the first file that holds it       |
- *  | connectivities, activation flags, parts, attributes, identifiers, entity results, multi-state entity results | one block for each path: the rows of all domains, by ascending identifier; of an entity that several domains hold, the first domain's row |
- *  | collectors                                            | united by collector and member type, members ascending, each once |
- *  | element results                                       | written block by block; where the place is taken, under the first free set number from 1 |
- *  | dense and triangular matrices                         | the first domain's; an equal one is skipped, a different one left out with a warning |
- *  | properties, multi-state element results, multi-state activation flags, sparse matrices | not merged; listed with a verbose level |
+ *  - system: copied from the first file that holds it;
+ *  - index, variable groups, variables, text: each path copied from the first file that holds it;
+ *  - connectivities, activation flags, parts, attributes, identifiers, entity results, multi-state entity results: one
+ *    block for each path, with the rows of all domains, by ascending identifier; of an entity that several domains
+ *    hold, the first domain's row;
+ *  - collectors: united by collector and member type, members ascending, each once;
+ *  - element results: written block by block; where the place is taken, under the first free set number from 1;
+ *  - dense and triangular matrices: the first domain's; an equal one is skipped, a different one left out with a
+ *    warning;
+ *  - properties, multi-state element results, multi-state activation flags, sparse matrices: not merged; listed with a
+ *    verbose level.
  *
  *  Blocks of one path that cannot be united (another number of components, real against complex) stop the merge; a
- *  block without entities fits any other. A text or column that one domain lacks is blank or 0 in its rows. What rows do
- *  not tell (names, frame identifier, operators) is the first domain's that has entities.
+ *  block without entities fits any other. A text or column that one domain lacks is blank or 0 in its rows. What rows
+ *  do not tell (names, frame identifier, operators) is the first domain's that has entities.
  *
  *  States of multi-state blocks are united by their index identifiers, in order of first appearance. Where an entity's
  *  domain lacks a state the values are NaN, unless another domain holds them; a warning counts them, and the block is
@@ -2497,10 +2499,10 @@ KOB_API void KOB_MERGE_DMP(const int64_t* domains, const int64_t* target, const 
 
 /** Reads a parameter file: a variable name and its exponent for scale-offset compression on each line.
  *
- *  "$" and "#" begin a comment. A line that does not begin with a word and an integer is skipped. At most 299 characters
- *  are read at a time; what follows in a longer line counts as a line of its own. Call with pass 0, make room, call with
- *  pass 1. A name of more than 256 characters runs into the next field, the last one is cut; entries beyond count are
- *  not stored.
+ *  "$" and "#" begin a comment. A line that does not begin with a word and an integer is skipped. At most 299
+ *  characters are read at a time; what follows in a longer line counts as a line of its own. Call with pass 0, make
+ *  room, call with pass 1. A name of more than 256 characters runs into the next field, the last one is cut; entries
+ *  beyond count are not stored.
  *  @param[in]     path        char [], file name, NUL-terminated
  *  @param[in]     path_length int32 by value, ignored
  *  @param[in]     pass        int32 [1], 0: count the entries; 1: read them; others do nothing
@@ -3959,12 +3961,10 @@ KOB_API void KOB1_ERASE_STATES(const int64_t* group, const int32_t* nindex, cons
  *  The file's major version should be 1; another one prints NOT OK, and the file is merged all the same: those of its
  *  blocks that are in the older layout. The kinds are those of KOB_MERGE_DMP() with these differences:
  *
- *  | Kind of block                                         | In the target                                            |
- *  |-------------------------------------------------------|----------------------------------------------------------|
- *  | variables                                             | each path copied from the first file that holds it       |
- *  | variable groups, identifiers                          | not there in this layout                                 |
- *  | parts                                                 | pvtyp is a column like the others                        |
- *  | connectivities                                        | the units are those of the first domain that has elements |
+ *  - variables: each path copied from the first file that holds it;
+ *  - variable groups, identifiers: not there in this layout;
+ *  - parts: pvtyp is a column like the others;
+ *  - connectivities: the units are those of the first domain that has elements.
  *
  *  The domain number is defined by a variables block DMPComputeDomainNumber of rank 0 with the component "Domain", cid
  *  and comp 1, and no units. Connectivities name no entity type here: the domain numbers of elements are results of the

@@ -17,8 +17,8 @@
 namespace kob {
 namespace {
 
-/// zlib's hasty level makes smaller streams of regular data than libdeflate's quick ones, in about their time, but larger
-/// ones of other data: a few slices tell.
+/// zlib's hasty level makes smaller streams of regular data than libdeflate's quick ones, in about their time, but
+/// larger ones of other data: a few slices tell.
 constexpr int level_of_zlib = 1;
 constexpr std::size_t slices = 6;
 constexpr std::size_t slice_size = 65536; // smaller ones do zlib wrong: it begins more often

@@ -61,8 +61,8 @@ std::optional<std::int32_t> integer_of(hid_t block, const char* name)
     return read ? std::optional{number} : std::nullopt;
 }
 
-/// Deletes the link of a block, or of a group, and the parent groups that it leaves empty. -1 when the link could not be deleted, else 0
-/// less one for each parent that could not.
+/// Deletes the link of a block, or of a group, and the parent groups that it leaves empty. -1 when the link could not
+/// be deleted, else 0 less one for each parent that could not.
 std::int32_t remove_block(hid_t file, std::string path, bool verbose)
 {
     if (H5Ldelete(file, path.c_str(), H5P_DEFAULT) < 0) {

@@ -86,7 +86,7 @@ inline std::int32_t stored_width(StoredBlock& block, const char* name)
         std::clamp<std::int64_t>(element_size(block.place(Where::data), name), 0, INT32_MAX));
 }
 
-/// Sizes a buffer. Not even an empty one is null: a reader that finds nothing stored shall say so, not blame its caller.
+/// Sizes a buffer. Not even an empty one is null: a reader that finds nothing stored says so, and blames no caller.
 template <class T> void fit(std::vector<T>& buffer, std::size_t size)
 {
     buffer.reserve(1);

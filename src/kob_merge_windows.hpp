@@ -14,8 +14,8 @@
 
 namespace kob::merge {
 
-/// Merged values up to this size are held at once, larger ones only as far as their order demands. A window, and what is
-/// put into it, stay in the cache.
+/// Merged values up to this size are held at once, larger ones only as far as their order demands. A window, and what
+/// is put into it, stay in the cache.
 constexpr std::size_t small_window = std::size_t{1} << 20U; // bytes
 
 /// Merges values window by window. Its memory serves one block after the other.

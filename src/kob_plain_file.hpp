@@ -2,9 +2,9 @@
 // The bytes of a plain file, read without HDF5.
 //
 // HDF5 takes a dozen microseconds and a piece of its cache for each object that it opens. Where a file is nothing but
-// bytes on a disk, in the format that HDF5 writes unless it is asked for a newer one, small objects are read faster from
-// those bytes. The plain_ files know that much of the published format and no more. Everything is checked against its
-// bounds; whatever is out of the ordinary is a surprise, and then HDF5 does the work, and judges.
+// bytes on a disk, in the format that HDF5 writes unless it is asked for a newer one, small objects are read faster
+// from those bytes. The plain_ files know that much of the published format and no more. Everything is checked against
+// its bounds; whatever is out of the ordinary is a surprise, and then HDF5 does the work, and judges.
 #pragma once
 
 #include <hdf5.h>
@@ -79,8 +79,8 @@ public:
     /// What becomes of the pieces that were read: one object needs all of its, a walk over many only the latest.
     enum class Pieces { kept, passing };
 
-    /// How the bytes on the disk come to be the latest: nobody writes them, or they are flushed now. Those are good until
-    /// the next change.
+    /// How the bytes on the disk come to be the latest: nobody writes them, or they are flushed now. Those are good
+    /// until the next change.
     enum class State { read_only, flushed };
 
     /// The file of an open object, if it is nothing but a file of the old format and of that state.

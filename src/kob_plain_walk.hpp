@@ -21,9 +21,9 @@ struct Found {
     std::uint32_t names = 0; ///< of a group
 };
 
-/// Visits every block, header and group below a group, in the order of kob::walk, a group before what it holds. False after
-/// a surprise, the visitor's or the walk's own: then HDF5 is to be asked, and nothing that was visited counts. Files
-/// mounted on groups are not seen.
+/// Visits every block, header and group below a group, in the order of kob::walk, a group before what it holds. False
+/// after a surprise, the visitor's or the walk's own: then HDF5 is to be asked, and nothing that was visited counts.
+/// Files mounted on groups are not seen.
 bool walk(hid_t start, const std::function<void(File&, const Found&)>& visit,
           File::State state = File::State::read_only);
 

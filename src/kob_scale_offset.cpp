@@ -12,8 +12,8 @@
 namespace kob {
 namespace {
 
-// A packed chunk: the bits of a number (4 bytes), 8, the minimum (8 bytes), 8 zeros, the numbers, highest bit first, and
-// a byte more than is needed. Header fields are little-endian.
+// A packed chunk: the bits of a number (4 bytes), 8, the minimum (8 bytes), 8 zeros, the numbers, highest bit first,
+// and a byte more than is needed. Header fields are little-endian.
 constexpr std::size_t minimum_offset = 5;
 constexpr std::size_t header_size = 21;
 constexpr std::size_t trailing_size = 1;

@@ -49,8 +49,8 @@ template <std::size_t Size> struct Row {
     __m128i part[Size];
 };
 
-/// Interleaves the two halves of a row, which rotates the binary digits of every position to the left by one. A position
-/// is (element, byte) or, shuffled, (byte, element).
+/// Interleaves the two halves of a row, which rotates the binary digits of every position to the left by one. A
+/// position is (element, byte) or, shuffled, (byte, element).
 template <std::size_t Size> Row<Size> interleaved_halves(const Row<Size>& row)
 {
     Row<Size> result;

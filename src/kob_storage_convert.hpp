@@ -13,8 +13,8 @@ namespace kob {
 /// HDF5.
 constexpr std::size_t elements_of_piece = std::size_t{48} * 1024;
 
-/// Writes all values of a dataset from numbers of the type `memory`. Nothing when the dataset is not of the sort that is
-/// converted here: large, contiguous, of native floating numbers (`stored`) of the other size.
+/// Writes all values of a dataset from numbers of the type `memory`. Nothing when the dataset is not of the sort that
+/// is converted here: large, contiguous, of native floating numbers (`stored`) of the other size.
 std::optional<herr_t> write_converted(hid_t dataset, hid_t stored, hid_t memory, const void* data);
 
 /// Reads all values of a dataset into numbers of the type `memory`; nothing in the same cases.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Results and matrices of the older layout: sections, pieces, growing series, and the same values as in the current one.
+// Results and matrices of the older layout: sections, pieces, growing series, and the values of the current one.
 #include <gtest/gtest.h>
 
 #include <cstdint>

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: BSD-3-Clause
-"""Reads the file of filtered_results_test.cpp with h5py: every set against set 0 of its place, which is stored plainly."""
+"""Reads the file of filtered_results_test.cpp with h5py: every set against the unfiltered set 0 of its place."""
 import re
 import sys
 

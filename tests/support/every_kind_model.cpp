@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Writes the blocks of every_kind.hpp that describe a model; their numbers are small enough to be known by heart in a test.
+// Writes the blocks of every_kind.hpp that describe a model; their numbers are small enough for a test to know them.
 #include "every_kind.hpp"
 
 #include "state_blocks.hpp"

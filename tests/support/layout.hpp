@@ -15,7 +15,7 @@ namespace kob_test {
 ///     attribute title text 256 space scalar
 ///     dataset entid integer 4 little [1000] max [1000] compact
 ///     dataset res float 8 little [3, 200] max [unlimited, 200] chunked [1, 200] scaleoffset(decimal 3) fill 10000
-///     dataset ic integer 4 little [40, 8] max [40, 8] chunked [40, 8] scaleoffset(integer 0) shuffle deflate(6) fill 10000
+///     dataset ic integer 4 little [8] max [8] chunked [8] scaleoffset(integer 0) shuffle deflate(6) fill 10000
 ///     group state000000000012
 ///     soft link post
 ///     external link mesh

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// The streams that we make are read by HDF5's own deflate filter, whatever they hold, and are no larger than its own for
-// the data that they are made for.
+// The streams that we make are read by HDF5's own deflate filter, whatever they hold, and are no larger than its own
+// for the data that they are made for.
 #include "kob_deflate.hpp"
 
 #include <gtest/gtest.h>
@@ -130,8 +130,8 @@ TEST_F(Deflate, Noise_is_stored)
     EXPECT_LE(stream_of(noise, 6).size(), noise.size() + noise.size() / 10000 + 20);
 }
 
-// Of 256 characters each, shuffled: a plane of even noise, one of noise that is a little uneven, and so on. Neither is worth
-// codes of its own, and the two are not joined.
+// Of 256 characters each, shuffled: a plane of even noise, one of noise that is a little uneven, and so on. Neither is
+// worth codes of its own, and the two are not joined.
 TEST_F(Deflate, Noise_in_many_small_planes_stays_in_the_bound)
 {
     constexpr std::size_t plane_size = 2048;

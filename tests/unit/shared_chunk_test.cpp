@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Chunks under scale-offset that several writes share: what an earlier write left comes back bit for bit, whatever later
-// ones put beside it, and all of it within the promised error of what was given.
+// Chunks under scale-offset that several writes share: what an earlier write left comes back bit for bit, whatever
+// later ones put beside it, and all of it within the promised error of what was given.
 #include <gtest/gtest.h>
 
 #include <cmath>

@@ -125,7 +125,8 @@ bool scan_number(const char*& p, const char* end, double& value)
     if (sign) ++e;
     const char* exponent_end = e;
     while (exponent_end < end && is_digit(*exponent_end)) ++exponent_end;
-    // A number that fills its columns touches the next one: "1.0E+001.0E-100", the digit before the point is the next's.
+    // A number that fills its columns touches the next one, to which the digit before the point belongs:
+    // "1.0E+001.0E-100".
     if (exponent_end < end && *exponent_end == '.' && exponent_end > e) --exponent_end;
     const auto length = exponent_end - e;
     if (letter && (length < 1 || length > 3)) return false;

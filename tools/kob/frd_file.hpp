@@ -99,7 +99,7 @@ void read_elements(Lines& lines, const Section& section, const Outline& outline,
                    std::array<Elements, element_types>& elements, std::vector<std::int32_t>* sequence = nullptr);
 Table read_result(Lines& lines, const Result& result);
 
-/// All numbers of a text, also where they run together ("-1.0E+00-2.0E+00", "1.0-300"); false: something else stands there.
+/// All numbers of a text, also where they run together ("-1.0E+00-2.0E+00", "1.0-300"); false: there is something else.
 bool scan_numbers(std::string_view text, std::vector<double>& values);
 
 } // namespace frd

@@ -117,7 +117,7 @@ struct SparseMatrix {
     std::vector<double> values;
 };
 
-/// The filter behind --scale counts steps in integers: it holds neither what is no number nor a range of too many steps.
+/// The filter behind --scale counts steps in integers: it holds no NaN, no infinity and no range of too many steps.
 class ScaleCheck {
 public:
     void see(const std::vector<double>& values);
@@ -148,8 +148,8 @@ public:
     void write_index(const std::string& group, const std::vector<Variable>& variables);
     void write(const Connectivities& connectivities);
     void write(const Results& results);
-    /// A state of a series of results, in this row; rows are written in order. `scaled`: all states of the series are fit
-    /// for --scale.
+    /// A state of a series of results, in this row; rows are written in order. `scaled`: all states of the series are
+    /// fit for --scale.
     void append(const Results& results, const std::string& series, std::int32_t row, bool scaled);
     void write(const Parts& parts);
     void write(const Identifiers& identifiers);
