@@ -19,8 +19,8 @@ void write_quad_results(KobFile& file);
 /// A dense matrix of one node.
 void write_node_matrix(KobFile& file, std::int32_t node);
 
-/// A series of entity results alone: values 1000 times state plus number in the state plus 0.5, index values a quarter
-/// of the state.
+/// A series of entity results alone: values 1000 times state plus number in the state plus 0.5, index values from 0 in
+/// steps of 0.25.
 void write_series(KobFile& file, std::int32_t states, std::int32_t entities);
 
 } // namespace kob_test
