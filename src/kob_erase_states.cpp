@@ -61,28 +61,17 @@ std::optional<std::int32_t> integer_of(hid_t block, const char* name)
     return read ? std::optional{number} : std::nullopt;
 }
 
-/// Deletes the link of a block, or of a group, and the parent groups that it leaves empty. -1 when the link could not
-/// be deleted, else 0 less one for each parent that could not.
-std::int32_t remove_block(hid_t file, std::string path, bool verbose)
+/// Deletes the groups above a path as far as they are empty. One that cannot be deleted stays: it does no harm.
+void remove_empty_parents(hid_t file, std::string path)
 {
-    if (H5Ldelete(file, path.c_str(), H5P_DEFAULT) < 0) {
-        return -1;
-    }
-    if (verbose) {
-        say(message::erase_deleted, path.c_str());
-    }
-    std::int32_t result = 0;
     for (std::size_t slash = path.rfind('/'); slash != std::string::npos; slash = path.rfind('/')) {
         path.resize(slash);
         H5G_info_t info{};
-        if (H5Gget_info_by_name(file, path.c_str(), &info, H5P_DEFAULT) < 0 || info.nlinks > 0) {
-            break;
-        }
-        if (H5Ldelete(file, path.c_str(), H5P_DEFAULT) < 0) {
-            --result;
+        if (H5Gget_info_by_name(file, path.c_str(), &info, H5P_DEFAULT) < 0 || info.nlinks > 0 ||
+            H5Ldelete(file, path.c_str(), H5P_DEFAULT) < 0) {
+            return;
         }
     }
-    return result;
 }
 
 /// Groups that lose all they hold when some blocks go: each is deleted in one go, with the blocks in it.
@@ -498,16 +487,25 @@ private:
     [[nodiscard]] bool remove_group(const TableEntry& entry, const EmptiedGroups& emptied, std::size_t group) const
     {
         const std::string path = entry.path.substr(0, emptied[group].path_length);
-        return emptied.goes_on_behind(group) ? remove_block(file_, path, false) == 0
-                                             : H5Ldelete(file_, path.c_str(), H5P_DEFAULT) >= 0;
+        if (H5Ldelete(file_, path.c_str(), H5P_DEFAULT) < 0) {
+            return false;
+        }
+        if (emptied.goes_on_behind(group)) {
+            remove_empty_parents(file_, path);
+        }
+        return true;
     }
 
     bool remove(const std::string& path) const
     {
-        if (remove_block(file_, path, verbose_ >= 2) < 0) {
+        if (H5Ldelete(file_, path.c_str(), H5P_DEFAULT) < 0) {
             report_error(message::erase_failed, path.c_str());
             return false;
         }
+        if (verbose_ >= 2) {
+            say(message::erase_deleted, path.c_str());
+        }
+        remove_empty_parents(file_, path);
         return true;
     }
 

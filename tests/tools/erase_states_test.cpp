@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <ctime>
 #include <filesystem>
+#include <fstream>
 #include <limits>
 #include <string>
 #include <vector>
@@ -710,6 +711,48 @@ TEST(EraseStates, AFailedDeletionIsReportedAndDoesNotStopTheRun)
                           " erase of block \"" +
                               state_path(7) + "\" failed\n erase of block \"" + state_path(8) + "\" failed\n");
     EXPECT_THAT(erased.out, HasSubstr("KOB INFO - 0 singlestate blocks deleted\n"));
+}
+
+/// Sets the count of links that a group's object header keeps, behind HDF5's back.
+void damage_link_count(KobFile& file, const std::string& group, char count)
+{
+    file.close();
+    haddr_t address = 0;
+    {
+        const Hid damaged = open_file(file.path());
+        H5O_info2_t info{};
+        ASSERT_GE(H5Oget_info_by_name3(damaged, group.c_str(), &info, H5O_INFO_BASIC, H5P_DEFAULT), 0);
+        ASSERT_EQ(info.rc, 1U);
+        ASSERT_GE(H5VLnative_token_to_addr(damaged, info.token, &address), 0);
+    }
+    std::fstream bytes{file.path(), std::ios::binary | std::ios::in | std::ios::out};
+    constexpr std::streamoff count_offset = 4; // behind version and number of messages
+    bytes.seekp(static_cast<std::streamoff>(address) + count_offset);
+    bytes.put(count);
+    bytes.close();
+    ASSERT_TRUE(bytes.good());
+    file.reopen(update);
+}
+
+TEST(EraseStates, BlocksWhoseEmptyGroupCannotGoAreErasedAllTheSame)
+{
+    for (const bool is_plain : {true, false}) {
+        ToolFile file;
+        for (const char* variable : {"DISPLACEMENT", "STRESS"}) write_state(file, {7}, variable);
+        write_state(file, {8});
+        ASSERT_NO_FATAL_FAILURE(damage_link_count(file, "results/singlestate", 0));
+        if (!is_plain) {
+            H5Lcreate_soft("nowhere", file.handle(), "zz", H5P_DEFAULT, H5P_DEFAULT);
+        }
+        const Erased erased = erase(file.handle(), {5}, 2);
+        EXPECT_EQ(erased.status, 0);
+        EXPECT_EQ(erased.err, "");
+        for (const std::string& path : {state_path(7), state_path(7, "STRESS"), state_path(8)}) {
+            EXPECT_THAT(erased.out, HasSubstr("\"" + path + "\""));
+        }
+        EXPECT_THAT(erased.out, HasSubstr("KOB INFO - 3 singlestate blocks deleted\n"));
+        EXPECT_THAT(link_names(open_group(file.handle(), "singlestate")), IsEmpty());
+    }
 }
 
 // ---- names and links
