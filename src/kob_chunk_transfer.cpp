@@ -183,14 +183,19 @@ public:
         const Converter converter{dataset_.type.get(), memory_type};
         const std::size_t memory_size = H5Tget_size(memory_type);
         return for_each_group(coordinates, [&](const Position& origin, std::span<const std::size_t> points) {
-            std::byte* const plain = codec_.plain();
-            if (plain == nullptr || !fetch(origin, position(coordinates, points.front()), plain)) {
-                return false;
+            const hsize_t size = stored_size(origin);
+            if (size == 0) { // no room for a chunk that is not there
+                return is_missing(position(coordinates, points.front())) &&
+                       std::all_of(points.begin(), points.end(), [&](std::size_t point) {
+                           return converter.convert(dataset_.fill.data(), 1, data + point * memory_size);
+                       });
             }
-            return std::all_of(points.begin(), points.end(), [&](std::size_t point) {
-                const std::size_t element = place_in_chunk(origin, position(coordinates, point));
-                return converter.convert(plain + element * dataset_.element_size, 1, data + point * memory_size);
-            });
+            std::byte* const plain = codec_.plain();
+            return plain != nullptr && load(origin, size, plain) &&
+                   std::all_of(points.begin(), points.end(), [&](std::size_t point) {
+                       const std::size_t element = place_in_chunk(origin, position(coordinates, point));
+                       return converter.convert(plain + element * dataset_.element_size, 1, data + point * memory_size);
+                   });
         });
     }
 
@@ -234,12 +239,12 @@ private:
         count[0] = 1;
         const Block block{{first.data(), dataset_.rank()}, {count.data(), dataset_.rank()}};
         return for_each_chunk(block, dataset_.extents(), dataset_.chunk_extents(), [&](const ChunkPart& part) {
+            if (stored_size(part.origin) == 0) {
+                return is_missing(part.first);
+            }
             std::byte* const plain = codec_.plain();
             if (plain == nullptr || !fetch(part.origin, part.first, plain)) {
                 return false;
-            }
-            if (!is_there_) {
-                return true;
             }
             SharedChunk shared = shared_chunk(true);
             std::fill(shared.is_new.begin() + static_cast<std::ptrdiff_t>(kept), shared.is_new.end(), true);

@@ -362,26 +362,51 @@ TEST_F(Chunks, A_stream_longer_than_the_chunk_fails)
     EXPECT_EQ(read(dataset, H5T_NATIVE_DOUBLE, all_of({400}), found.data()), ChunkTransfer::failed);
 }
 
-// A file of a few kilobytes may say that its chunks are as large as HDF5 lets them be.
-TEST_F(Chunks, A_huge_chunk_that_is_not_there_takes_no_memory)
+namespace {
+
+long highest_kilobytes()
 {
-    const auto highest_kilobytes = [] {
-        rusage usage{};
-        getrusage(RUSAGE_SELF, &usage);
-        return usage.ru_maxrss;
-    };
-    const hsize_t chunk = hsize_t{1} << 28; // 2 GB
-    const auto list = chunked_list({chunk}, [](hid_t chunked) {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+}
+
+constexpr long much_less_than_a_huge_chunk = 500'000; // kilobytes
+
+/// Three elements in a chunk of 2 GB that nobody wrote; they are 2.5. A file of a few kilobytes may say that its chunks
+/// are as large as HDF5 lets them be.
+template <class Add> Hid huge_chunk(hid_t file, Add&& add)
+{
+    const auto list = chunked_list({hsize_t{1} << 28}, [&](hid_t chunked) {
         const double fill = 2.5;
         H5Pset_fill_value(chunked, H5T_NATIVE_DOUBLE, &fill);
-        shuffled_and_deflated(chunked);
+        add(chunked);
     });
-    const hsize_t extent = 3;
-    const Hid space = space_of({extent}, {H5S_UNLIMITED});
-    const Hid dataset = H5Dcreate2(at(), "huge", H5T_IEEE_F64LE, space, H5P_DEFAULT, list, H5P_DEFAULT);
+    const Hid space = space_of({3}, {H5S_UNLIMITED});
+    return Hid{H5Dcreate2(file, "huge", H5T_IEEE_F64LE, space, H5P_DEFAULT, list, H5P_DEFAULT)};
+}
+
+} // namespace
+
+TEST_F(Chunks, A_huge_chunk_that_is_not_there_takes_no_memory)
+{
+    const Hid dataset = huge_chunk(at(), shuffled_and_deflated);
     std::vector<float> found(3);
     const long before = highest_kilobytes();
-    ASSERT_EQ(read(dataset, H5T_NATIVE_FLOAT, all_of({extent}), found.data()), ChunkTransfer::done);
+    ASSERT_EQ(read(dataset, H5T_NATIVE_FLOAT, all_of({3}), found.data()), ChunkTransfer::done);
     EXPECT_EQ(found, std::vector<float>(3, 2.5F));
-    EXPECT_LT(highest_kilobytes() - before, 500'000);
+    EXPECT_LT(highest_kilobytes() - before, much_less_than_a_huge_chunk);
+}
+
+TEST_F(Chunks, Points_of_a_huge_chunk_that_is_not_there_take_no_memory)
+{
+    const Hid dataset = huge_chunk(at(), [](hid_t list) { H5Pset_scaleoffset(list, H5Z_SO_FLOAT_DSCALE, 3); });
+    std::vector<float> found(2);
+    const long before = highest_kilobytes();
+    ASSERT_EQ(kob::read_points(dataset, H5T_NATIVE_FLOAT, std::vector<hsize_t>{2, 0}, found.data()),
+              ChunkTransfer::done);
+    EXPECT_EQ(found, std::vector<float>(2, 2.5F));
+    ASSERT_TRUE(kob::cut_chunks(dataset, 2));
+    EXPECT_LT(highest_kilobytes() - before, much_less_than_a_huge_chunk);
+    EXPECT_EQ(stored_extents(at(), "huge"), (std::vector<hsize_t>{2}));
 }
