@@ -141,6 +141,9 @@ template <class Io> struct MultiEntityResults {
     EntityTable<Io> table;
     SeriesIndex<Io> index;
     Reals<Io> res; ///< [nstate, nent, ncoo(, 2)]
+
+    /// Bytes of a floating number in the caller's arrays, unless they hold doubles.
+    void set_memory_size(std::size_t size) { table.weight.size = index.indexval.size = res.size = size; }
 };
 
 template <class Io> void attributes(Io& io, const MultiEntityResults<Io>& b)
@@ -543,24 +546,12 @@ void KOB_WRITE_MULTIENTITYRESULTS(const int64_t* group, const char* series, cons
 {
     using namespace kob;
     entry(status, [&] {
-        const std::size_t size = memory_size_of(value(value_size));
-        const MultiEntityResults<Writer> b{series,
-                                           {etyp,
-                                            nent,
-                                            etypvar,
-                                            ncoo,
-                                            etypzone,
-                                            zoneid,
-                                            etypframe,
-                                            fswitch,
-                                            dmpswitch,
-                                            entid,
-                                            fidglob,
-                                            fid,
-                                            operator_,
-                                            {weight, size}},
-                                           {nindex, nullptr, indexident, {indexval, size}},
-                                           {res, size}};
+        MultiEntityResults<Writer> b{series,
+                                     {etyp, nent, etypvar, ncoo, etypzone, zoneid, etypframe, fswitch, dmpswitch, entid,
+                                      fidglob, fid, operator_, weight},
+                                     {nindex, nullptr, indexident, indexval},
+                                     res};
+        b.set_memory_size(memory_size_of(value(value_size)));
         return write_results({value(group), series, etyp, etypvar, etypzone, zoneid, set}, b, value(state),
                              {filter_flags, filter_params}, value(value_size), access_mode::whole, nullptr, nullptr);
     });
@@ -578,24 +569,12 @@ void KOB_WRITE_MULTIENTITYRESULTC(const int64_t* group, const char* series, cons
 {
     using namespace kob;
     entry(status, [&] {
-        const std::size_t size = memory_size_of(value(value_size));
-        const MultiEntityResults<Writer> b{series,
-                                           {etyp,
-                                            nent,
-                                            etypvar,
-                                            ncoo,
-                                            etypzone,
-                                            zoneid,
-                                            etypframe,
-                                            fswitch,
-                                            dmpswitch,
-                                            entid,
-                                            fidglob,
-                                            fid,
-                                            operator_,
-                                            {weight, size}},
-                                           {nindex, nullptr, indexident, {indexval, size}},
-                                           {res, size}};
+        MultiEntityResults<Writer> b{series,
+                                     {etyp, nent, etypvar, ncoo, etypzone, zoneid, etypframe, fswitch, dmpswitch, entid,
+                                      fidglob, fid, operator_, weight},
+                                     {nindex, nullptr, indexident, indexval},
+                                     res};
+        b.set_memory_size(memory_size_of(value(value_size)));
         return write_results({value(group), series, etyp, etypvar, etypzone, zoneid, set}, b, value(state),
                              {filter_flags, filter_params}, value(value_size), value(mode), count, start);
     });
@@ -614,24 +593,12 @@ void KOB_WRITE_MULTIENTITYRESULTS2(const int64_t* groups, const void*, const voi
 {
     using namespace kob;
     entry(status, [&] {
-        const auto size = static_cast<std::size_t>(value(memory_size));
-        const MultiEntityResults<Writer> b{series,
-                                           {etyp,
-                                            nent,
-                                            etypvar,
-                                            ncoo,
-                                            etypzone,
-                                            zoneid,
-                                            etypframe,
-                                            fswitch,
-                                            dmpswitch,
-                                            entid,
-                                            fidglob,
-                                            fid,
-                                            operator_,
-                                            {weight, size}},
-                                           {nindex, nullptr, indexident, {indexval, size}},
-                                           {res, size}};
+        MultiEntityResults<Writer> b{series,
+                                     {etyp, nent, etypvar, ncoo, etypzone, zoneid, etypframe, fswitch, dmpswitch, entid,
+                                      fidglob, fid, operator_, weight},
+                                     {nindex, nullptr, indexident, indexval},
+                                     res};
+        b.set_memory_size(static_cast<std::size_t>(value(memory_size)));
         std::int32_t held = 0;
         const std::int32_t result =
             write_series(value(groups), b, {filter_flags, filter_params}, value(value_size),
@@ -650,22 +617,10 @@ void KOB_READ_MULTIENTITYRESULTS(const int64_t* block, const int32_t* pass, char
     using namespace kob;
     entry(status, [&] {
         const MultiEntityResults<Reader> b{series,
-                                           {etyp,
-                                            nent,
-                                            etypvar,
-                                            ncoo,
-                                            etypzone,
-                                            zoneid,
-                                            etypframe,
-                                            fswitch,
-                                            dmpswitch,
-                                            entid,
-                                            fidglob,
-                                            fid,
-                                            operator_,
-                                            {weight, sizeof(double)}},
-                                           {nindex, nstate, indexident, {indexval, sizeof(double)}},
-                                           {res, sizeof(double)}};
+                                           {etyp, nent, etypvar, ncoo, etypzone, zoneid, etypframe, fswitch, dmpswitch,
+                                            entid, fidglob, fid, operator_, weight},
+                                           {nindex, nstate, indexident, indexval},
+                                           res};
         return read_results(value(block), value(pass), b, filter_flags, filter_params);
     });
 }
@@ -680,24 +635,12 @@ void KOB_READ_MULTIENTITYRESULTC(const int64_t* block, const int32_t* pass, char
 {
     using namespace kob;
     entry(status, [&] {
-        const std::size_t size = memory_size_of(value(pass));
-        const MultiEntityResults<Reader> b{series,
-                                           {etyp,
-                                            nent,
-                                            etypvar,
-                                            ncoo,
-                                            etypzone,
-                                            zoneid,
-                                            etypframe,
-                                            fswitch,
-                                            dmpswitch,
-                                            entid,
-                                            fidglob,
-                                            fid,
-                                            operator_,
-                                            {weight, size}},
-                                           {nindex, nstate, indexident, {indexval, size}},
-                                           {res, size}};
+        MultiEntityResults<Reader> b{series,
+                                     {etyp, nent, etypvar, ncoo, etypzone, zoneid, etypframe, fswitch, dmpswitch, entid,
+                                      fidglob, fid, operator_, weight},
+                                     {nindex, nstate, indexident, indexval},
+                                     res};
+        b.set_memory_size(memory_size_of(value(pass)));
         return read_pieces(value(block), value(pass), b, filter_flags, filter_params, {value(mode), count, start});
     });
 }
@@ -712,24 +655,12 @@ void KOB_READ_MULTIENTITYRESULTS2(const int64_t* block, const int32_t* sections,
 {
     using namespace kob;
     entry(status, [&] {
-        const auto size = static_cast<std::size_t>(value(memory_size));
-        const MultiEntityResults<Reader> b{series,
-                                           {etyp,
-                                            nent,
-                                            etypvar,
-                                            ncoo,
-                                            etypzone,
-                                            zoneid,
-                                            etypframe,
-                                            fswitch,
-                                            dmpswitch,
-                                            entid,
-                                            fidglob,
-                                            fid,
-                                            operator_,
-                                            {weight, size}},
-                                           {nindex, nstate, indexident, {indexval, size}},
-                                           {res, size}};
+        MultiEntityResults<Reader> b{series,
+                                     {etyp, nent, etypvar, ncoo, etypzone, zoneid, etypframe, fswitch, dmpswitch, entid,
+                                      fidglob, fid, operator_, weight},
+                                     {nindex, nstate, indexident, indexval},
+                                     res};
+        b.set_memory_size(static_cast<std::size_t>(value(memory_size)));
         Reader io{value(block), kind::multi_entity_results};
         return read_series(io, value(sections), b, filter_flags, filter_params, {value(mode), count, start});
     });
@@ -816,24 +747,12 @@ void KOB1_WRITE_MULTIENTITYRESULTS(const int64_t* group, const char* series, con
 {
     using namespace kob;
     entry(status, [&] {
-        const std::size_t size = memory_size_of(value(value_size));
-        const MultiEntityResults<Writer> b{series,
-                                           {etyp,
-                                            nent,
-                                            etypvar,
-                                            ncoo,
-                                            etypzone,
-                                            zoneid,
-                                            etypframe,
-                                            fswitch,
-                                            dmpswitch,
-                                            entid,
-                                            fidglob,
-                                            fid,
-                                            operator_,
-                                            {weight, size}},
-                                           {nindex, nullptr, indexident, {indexval, size}},
-                                           {res, size}};
+        MultiEntityResults<Writer> b{series,
+                                     {etyp, nent, etypvar, ncoo, etypzone, zoneid, etypframe, fswitch, dmpswitch, entid,
+                                      fidglob, fid, operator_, weight},
+                                     {nindex, nullptr, indexident, indexval},
+                                     res};
+        b.set_memory_size(memory_size_of(value(value_size)));
         return write_results({older(group), series, etyp, etypvar, etypzone, zoneid, set}, b, value(state),
                              {filter_flags, filter_params}, value(value_size), access_mode::whole, nullptr, nullptr);
     });
@@ -849,22 +768,10 @@ void KOB1_READ_MULTIENTITYRESULTS(const int64_t* block, const int32_t* pass, cha
     using namespace kob;
     entry(status, [&] {
         const MultiEntityResults<Reader> b{series,
-                                           {etyp,
-                                            nent,
-                                            etypvar,
-                                            ncoo,
-                                            etypzone,
-                                            zoneid,
-                                            etypframe,
-                                            fswitch,
-                                            dmpswitch,
-                                            entid,
-                                            fidglob,
-                                            fid,
-                                            operator_,
-                                            {weight, sizeof(double)}},
-                                           {nindex, nstate, indexident, {indexval, sizeof(double)}},
-                                           {res, sizeof(double)}};
+                                           {etyp, nent, etypvar, ncoo, etypzone, zoneid, etypframe, fswitch, dmpswitch,
+                                            entid, fidglob, fid, operator_, weight},
+                                           {nindex, nstate, indexident, indexval},
+                                           res};
         return read_results(older(block), value(pass), b, filter_flags, filter_params);
     });
 }
@@ -881,24 +788,12 @@ void KOB1_WRITE_MULTIENTITYRESULTC(const int64_t* group, const char* series, con
 {
     using namespace kob;
     entry(status, [&] {
-        const std::size_t size = memory_size_of(value(value_size));
-        const MultiEntityResults<Writer> b{series,
-                                           {etyp,
-                                            nent,
-                                            etypvar,
-                                            ncoo,
-                                            etypzone,
-                                            zoneid,
-                                            etypframe,
-                                            fswitch,
-                                            dmpswitch,
-                                            entid,
-                                            fidglob,
-                                            fid,
-                                            operator_,
-                                            {weight, size}},
-                                           {nindex, nullptr, indexident, {indexval, size}},
-                                           {res, size}};
+        MultiEntityResults<Writer> b{series,
+                                     {etyp, nent, etypvar, ncoo, etypzone, zoneid, etypframe, fswitch, dmpswitch, entid,
+                                      fidglob, fid, operator_, weight},
+                                     {nindex, nullptr, indexident, indexval},
+                                     res};
+        b.set_memory_size(memory_size_of(value(value_size)));
         return write_results({older(group), series, etyp, etypvar, etypzone, zoneid, set}, b, value(state),
                              {filter_flags, filter_params}, value(value_size), value(mode), count, start);
     });
@@ -914,24 +809,12 @@ void KOB1_READ_MULTIENTITYRESULTC(const int64_t* block, const int32_t* pass, cha
 {
     using namespace kob;
     entry(status, [&] {
-        const std::size_t size = memory_size_of(value(pass));
-        const MultiEntityResults<Reader> b{series,
-                                           {etyp,
-                                            nent,
-                                            etypvar,
-                                            ncoo,
-                                            etypzone,
-                                            zoneid,
-                                            etypframe,
-                                            fswitch,
-                                            dmpswitch,
-                                            entid,
-                                            fidglob,
-                                            fid,
-                                            operator_,
-                                            {weight, size}},
-                                           {nindex, nstate, indexident, {indexval, size}},
-                                           {res, size}};
+        MultiEntityResults<Reader> b{series,
+                                     {etyp, nent, etypvar, ncoo, etypzone, zoneid, etypframe, fswitch, dmpswitch, entid,
+                                      fidglob, fid, operator_, weight},
+                                     {nindex, nstate, indexident, indexval},
+                                     res};
+        b.set_memory_size(memory_size_of(value(pass)));
         return read_pieces(older(block), value(pass), b, filter_flags, filter_params, {value(mode), count, start});
     });
 }
@@ -949,24 +832,12 @@ void KOB1_WRITE_MULTIENTITYRESULTS2(const int64_t* groups, const void*, const vo
 {
     using namespace kob;
     entry(status, [&] {
-        const auto size = static_cast<std::size_t>(value(memory_size));
-        const MultiEntityResults<Writer> b{series,
-                                           {etyp,
-                                            nent,
-                                            etypvar,
-                                            ncoo,
-                                            etypzone,
-                                            zoneid,
-                                            etypframe,
-                                            fswitch,
-                                            dmpswitch,
-                                            entid,
-                                            fidglob,
-                                            fid,
-                                            operator_,
-                                            {weight, size}},
-                                           {nindex, nullptr, indexident, {indexval, size}},
-                                           {res, size}};
+        MultiEntityResults<Writer> b{series,
+                                     {etyp, nent, etypvar, ncoo, etypzone, zoneid, etypframe, fswitch, dmpswitch, entid,
+                                      fidglob, fid, operator_, weight},
+                                     {nindex, nullptr, indexident, indexval},
+                                     res};
+        b.set_memory_size(static_cast<std::size_t>(value(memory_size)));
         std::int32_t held = 0;
         const std::int32_t result =
             write_series(older(groups), b, {filter_flags, filter_params}, value(value_size),
@@ -985,24 +856,12 @@ void KOB1_READ_MULTIENTITYRESULTS2(const int64_t* block, const int32_t* sections
 {
     using namespace kob;
     entry(status, [&] {
-        const auto size = static_cast<std::size_t>(value(memory_size));
-        const MultiEntityResults<Reader> b{series,
-                                           {etyp,
-                                            nent,
-                                            etypvar,
-                                            ncoo,
-                                            etypzone,
-                                            zoneid,
-                                            etypframe,
-                                            fswitch,
-                                            dmpswitch,
-                                            entid,
-                                            fidglob,
-                                            fid,
-                                            operator_,
-                                            {weight, size}},
-                                           {nindex, nstate, indexident, {indexval, size}},
-                                           {res, size}};
+        MultiEntityResults<Reader> b{series,
+                                     {etyp, nent, etypvar, ncoo, etypzone, zoneid, etypframe, fswitch, dmpswitch, entid,
+                                      fidglob, fid, operator_, weight},
+                                     {nindex, nstate, indexident, indexval},
+                                     res};
+        b.set_memory_size(static_cast<std::size_t>(value(memory_size)));
         Reader io{older(block), kind::multi_entity_results};
         return read_series(io, value(sections), b, filter_flags, filter_params, {value(mode), count, start});
     });
