@@ -89,6 +89,16 @@ public:
     /// Beyond one more than HDF5's largest rank further extents say nothing new.
     void append(Extent extent);
 
+    /// The same of values that may be complex, then with one more extent: real part, imaginary part.
+    [[nodiscard]] Shape with_parts(bool complex) const
+    {
+        Shape result = *this;
+        if (complex) {
+            result.append(2);
+        }
+        return result;
+    }
+
     [[nodiscard]] std::int32_t rank() const { return rank_; }
     /// Null when the extents are not told.
     [[nodiscard]] const hsize_t* dims() const { return told_ ? dims_.data() : nullptr; }

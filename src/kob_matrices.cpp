@@ -106,11 +106,8 @@ template <class Io, class Matrix> void values(Io& io, const Matrix& b, bool comp
         return;
     }
     const bool needs_extents = Io::writes || part.is_whole();
-    Shape shape = needs_extents ? b.shape() : Shape::of_rank(Matrix::rank);
-    if (complex) {
-        shape.append(2); // real part, imaginary part
-    }
-    io.reals("val", b.val.get(), shape, part);
+    const Shape shape = needs_extents ? b.shape() : Shape::of_rank(Matrix::rank);
+    io.reals("val", b.val.get(), shape.with_parts(complex), part);
 }
 
 /// What names the place of a matrix.

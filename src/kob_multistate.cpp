@@ -61,14 +61,10 @@ template <class Io> void rows(Io& io, const SeriesIndex<Io>& index, std::int64_t
 /// States 0 to n - 1 of a dataset whose states are tables of the given shape.
 class LeadingStates {
 public:
-    LeadingStates(std::int64_t states, std::initializer_list<std::int64_t> table, bool complex)
-        : shape_{Extent::growing()}, count_{states}
+    LeadingStates(std::int64_t states, const Shape& table) : shape_{Extent::growing()}, count_{states}
     {
-        for (const std::int64_t extent : table) {
-            append(extent);
-        }
-        if (complex) {
-            append(2); // real part, imaginary part
+        for (std::int32_t i = 0; i < table.rank(); ++i) {
+            append(static_cast<std::int64_t>(table.dims()[i]));
         }
     }
 
@@ -155,7 +151,7 @@ template <class Io> void attributes(Io& io, const MultiEntityResults<Io>& b)
 
 template <class Io> LeadingStates states_of(const MultiEntityResults<Io>& b, std::int64_t states, bool complex)
 {
-    return {states, {*b.table.nent, *b.table.ncoo}, complex};
+    return {states, Shape{*b.table.nent, *b.table.ncoo}.with_parts(complex)};
 }
 
 /// What a caller of the workers asks for.
@@ -348,13 +344,10 @@ std::int32_t read_series(Reader& io, std::int32_t sections, const MultiEntityRes
             return;
         }
         if (part.is_whole()) {
-            Shape shape{*b.index.nstate, *b.table.nent, *b.table.ncoo};
-            if (io.is_complex()) {
-                shape.append(2);
-            }
-            io.reals("res", b.res, shape);
+            const Shape shape{*b.index.nstate, *b.table.nent, *b.table.ncoo};
+            io.reals("res", b.res, shape.with_parts(io.is_complex()));
         } else {
-            io.reals("res", b.res, Shape::of_rank(io.is_complex() ? 4 : 3), part);
+            io.reals("res", b.res, Shape::of_rank(3).with_parts(io.is_complex()), part);
         }
     };
     read_in_order(io, read_index, read_values);
@@ -451,7 +444,8 @@ std::int32_t write_results(const SeriesPlace& to, const MultiElementResults<Writ
             io.forget_extent();
         }
         if (io.ok() && states > 0) {
-            const LeadingStates leading{states, {*b.table.nele, *b.table.numl, *b.table.ncoo}, size.complex};
+            const Shape table{*b.table.nele, *b.table.numl, *b.table.ncoo};
+            const LeadingStates leading{states, table.with_parts(size.complex)};
             rows(io, b.index, 0, states);
             io.reals("res", b.res.get(), leading.shape(), leading.part());
         }
@@ -465,11 +459,8 @@ std::int32_t read_results(Location block, std::int32_t pass, const MultiElementR
     const auto read_values = [&](Reader& io) {
         identifiers(io, b.table);
         if (io.ok()) {
-            Shape shape{*b.index.nstate, *b.table.nele, *b.table.numl, *b.table.ncoo};
-            if (io.is_complex()) {
-                shape.append(2);
-            }
-            io.reals("res", b.res.get(), shape);
+            const Shape shape{*b.index.nstate, *b.table.nele, *b.table.numl, *b.table.ncoo};
+            io.reals("res", b.res.get(), shape.with_parts(io.is_complex()));
         }
     };
     return read_passes_of_two_keys(block, kind::multi_element_results, b, pass, read_values, filter_flags,
@@ -522,7 +513,7 @@ std::int32_t write_flags(Location group, const char* series, const char* etyp, c
                                     io.forget_extent();
                                 }
                                 if (io.ok() && states > 0) {
-                                    const LeadingStates leading{states, {*b.nent}, false};
+                                    const LeadingStates leading{states, {*b.nent}};
                                     rows(io, b.index, 0, states);
                                     io.integers("status", b.flags, leading.shape(), leading.part());
                                 }

@@ -24,11 +24,7 @@ template <class Io> void attributes(Io& io, const EntityResults<Io>& b)
 
 template <class Io> void values(Io& io, const EntityResults<Io>& b, bool complex, const Part& part)
 {
-    Shape shape{*b.table.nent, *b.table.ncoo};
-    if (complex) {
-        shape.append(2); // real part, imaginary part
-    }
-    io.reals("res", b.res, shape, part);
+    io.reals("res", b.res, Shape{*b.table.nent, *b.table.ncoo}.with_parts(complex), part);
 }
 
 /// Identifiers that many blocks share: written once into a group of their own, linked by each.
@@ -176,11 +172,8 @@ template <class Io> void values(Io& io, const ElementResults<Io>& b, bool comple
     if (!io.ok()) {
         return;
     }
-    Shape shape{*b.table.nele, *b.table.numl, *b.table.ncoo};
-    if (complex) {
-        shape.append(2); // real part, imaginary part
-    }
-    io.reals("res", b.res.get(), shape);
+    const Shape shape{*b.table.nele, *b.table.numl, *b.table.ncoo};
+    io.reals("res", b.res.get(), shape.with_parts(complex));
 }
 
 std::int32_t write_results(const ResultPlace& to, const ElementResults<Writer>& b, const Filters& filters,
