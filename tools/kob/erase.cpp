@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // kob erase: cuts a result file back to a state, on a copy that replaces the file when all went well.
 
+#include "command_line.hpp"
 #include "draft.hpp"
 #include "file.hpp"
 #include "progress.hpp"
@@ -10,7 +11,6 @@
 
 #include "kob_dp.h"
 
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include <spawn.h>
@@ -256,23 +256,22 @@ int erase_file(const EraseOptions& options)
 
 void add_erase(CLI::App& app, int& exit_code)
 {
-    auto* verb = app.add_subcommand("erase", "cut a result file back: erase all states after one");
+    Verb verb{app, "erase", "cut a result file back: erase all states after one"};
     auto options = std::make_shared<EraseOptions>();
-    verb->add_option("FILE", options->path, "KOB file, or a group inside one")->required();
-    verb->add_option("--after", options->after,
-                     "index identifiers of the last state to keep, in the order of the index values")
-        ->required()
-        ->delimiter(',')
-        ->expected(1, -1);
-    verb->add_option("--output", options->output, "write to this file and leave FILE as it is");
-    verb->add_flag("--in-place", options->in_place, "change FILE itself, without a copy to fall back on");
-    verb->add_flag("--repack", options->repack, "give the space of what is erased back (needs HDF5's h5repack)");
-    verb->add_flag("--force", options->force, "replace the output if it exists");
-    verb->add_flag("--dry-run", options->dry_run, "say what would be erased and change nothing");
-    verb->add_flag("--quiet", options->quiet, "no progress bar, no summary");
-    verb->add_flag("--verbose", options->verbose, "show the library's own report");
-    verb->add_flag("--json", options->json, "print a JSON summary");
-    verb->callback([options, &exit_code] {
+    verb.option("FILE", options->path, "KOB file, or a group inside one").required();
+    verb.option("--after", options->after,
+                "index identifiers of the last state to keep, in the order of the index values")
+        .required()
+        .with_commas();
+    verb.option("--output", options->output, "write to this file and leave FILE as it is");
+    verb.flag("--in-place", options->in_place, "change FILE itself, without a copy to fall back on");
+    verb.flag("--repack", options->repack, "give the space of what is erased back (needs HDF5's h5repack)");
+    verb.flag("--force", options->force, "replace the output if it exists");
+    verb.flag("--dry-run", options->dry_run, "say what would be erased and change nothing");
+    verb.flag("--quiet", options->quiet, "no progress bar, no summary");
+    verb.flag("--verbose", options->verbose, "show the library's own report");
+    verb.flag("--json", options->json, "print a JSON summary");
+    verb.runs([options, &exit_code] {
         run_verb("kob erase", exit_code, [&] {
             try {
                 return erase_file(*options);

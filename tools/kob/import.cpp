@@ -9,8 +9,7 @@
 #include <optional>
 #include <vector>
 
-#include <CLI/CLI.hpp>
-
+#include "command_line.hpp"
 #include "draft.hpp"
 #include "import_frd.hpp"
 #include "import_matrix.hpp"
@@ -82,7 +81,7 @@ void add_scale(Storage& storage, const std::string& text)
         if (used != number.size()) digits = -1;
     }
     if (digits < 0 || digits > largest_exponent) {
-        throw CLI::ValidationError("--scale", "takes VARIABLE=DIGITS with 0 to 256 digits, for example DISP=6");
+        wrong_value("--scale", "takes VARIABLE=DIGITS with 0 to 256 digits, for example DISP=6");
     }
     storage.scale[text.substr(0, equals)] = digits;
 }
@@ -125,37 +124,34 @@ int import_file(const ImportOptions& options)
 
 void add_import(CLI::App& app, int& exit_code)
 {
-    auto* verb =
-        app.add_subcommand("import", "turn a solver's result file (.frd) or a matrix (.mtx, .sti) into a KOB file");
+    Verb verb{app, "import", "turn a solver's result file (.frd) or a matrix (.mtx, .sti) into a KOB file"};
     auto options = std::make_shared<ImportOptions>();
-    verb->add_option("INPUT", options->input,
-                     "ASCII result file (.frd), Matrix Market file (.mtx), or stored matrices (.sti, .mas, .dof)")
-        ->required();
-    verb->add_option("OUTPUT", options->output, "KOB file to write")->required();
-    verb->add_option(
-        "--units", options->units,
-        "units of the model: length,mass,time[,temperature], for example mm,t,s,K (default: none claimed)");
-    verb->add_option("--float", options->storage.float_size, "bytes of a stored number: 4 or 8")
-        ->check(CLI::IsMember({4, 8}))
-        ->capture_default_str();
-    verb->add_option("--deflate", options->storage.deflate, "compress with this level, 1 to 9 (default: not at all)")
-        ->check(CLI::Range(0, 9));
-    verb->add_flag("--shuffle", options->storage.shuffle, "sort the bytes of numbers before they are compressed");
+    verb.option("INPUT", options->input,
+                "ASCII result file (.frd), Matrix Market file (.mtx), or stored matrices (.sti, .mas, .dof)")
+        .required();
+    verb.option("OUTPUT", options->output, "KOB file to write").required();
+    verb.option("--units", options->units,
+                "units of the model: length,mass,time[,temperature], for example mm,t,s,K (default: none claimed)");
+    verb.option("--float", options->storage.float_size, "bytes of a stored number: 4 or 8")
+        .one_of({4, 8})
+        .shows_default();
+    verb.option("--deflate", options->storage.deflate, "compress with this level, 1 to 9 (default: not at all)")
+        .between(0, 9);
+    verb.flag("--shuffle", options->storage.shuffle, "sort the bytes of numbers before they are compressed");
     auto scales = std::make_shared<std::vector<std::string>>();
-    verb->add_option("--scale", *scales,
-                     "VARIABLE=DIGITS: keep this many decimal digits of a result, and store it in fewer bits")
-        ->take_all();
-    verb->add_flag("--series", options->series, "store the states of a result in one block, not in one for each state");
-    verb->add_option("--entity", options->entity, "of a .mtx file: type of the entity that the matrix belongs to");
-    verb->add_option("--variable", options->variable, "of a .mtx file: name of the matrix");
-    verb->add_option("--id", options->id, "of a .mtx file: identifier of the entity (default: 1)")
-        ->check(CLI::Range(0, std::numeric_limits<std::int32_t>::max()));
-    verb->add_option("--as", options->form,
-                     "of a .mtx file: kind of block (default: sparse for coordinates, dense or "
-                     "triangular for an array)")
-        ->check(CLI::IsMember({"sparse", "dense", "triangular"}));
-    verb->add_flag("--force", options->force, "replace the output if it exists");
-    verb->callback([options, scales, &exit_code] {
+    verb.option("--scale", *scales,
+                "VARIABLE=DIGITS: keep this many decimal digits of a result, and store it in fewer bits");
+    verb.flag("--series", options->series, "store the states of a result in one block, not in one for each state");
+    verb.option("--entity", options->entity, "of a .mtx file: type of the entity that the matrix belongs to");
+    verb.option("--variable", options->variable, "of a .mtx file: name of the matrix");
+    verb.option("--id", options->id, "of a .mtx file: identifier of the entity (default: 1)")
+        .between(0, std::numeric_limits<std::int32_t>::max());
+    verb.option("--as", options->form,
+                "of a .mtx file: kind of block (default: sparse for coordinates, dense or "
+                "triangular for an array)")
+        .one_of({"sparse", "dense", "triangular"});
+    verb.flag("--force", options->force, "replace the output if it exists");
+    verb.runs([options, scales, &exit_code] {
         for (const auto& text : *scales) add_scale(options->storage, text);
         run_verb("kob import", exit_code, [&] { return import_file(*options); });
     });

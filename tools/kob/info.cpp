@@ -3,11 +3,11 @@
 
 #include "block_reader.hpp"
 #include "block_text.hpp"
+#include "command_line.hpp"
 #include "file.hpp"
 #include "terminal.hpp"
 #include "verbs.hpp"
 
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include <map>
@@ -353,10 +353,10 @@ int info(const Options& options)
 void add_info(CLI::App& app, int& exit_code)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App* verb = app.add_subcommand("info", "Summarize a file: header, system, units, states and kinds of block");
-    verb->add_option("FILE", options->file, "Result file")->required();
-    verb->add_flag("--json", options->json, "Print JSON");
-    verb->callback([options, &exit_code] { run_verb("kob info", exit_code, [&] { return info(*options); }); });
+    Verb verb{app, "info", "Summarize a file: header, system, units, states and kinds of block"};
+    verb.option("FILE", options->file, "Result file").required();
+    verb.flag("--json", options->json, "Print JSON");
+    verb.runs([options, &exit_code] { run_verb("kob info", exit_code, [&] { return info(*options); }); });
 }
 
 } // namespace kob::program

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // kob link: a master file that shows the contents of several files through external links.
 
+#include "command_line.hpp"
 #include "draft.hpp"
 #include "file.hpp"
 #include "terminal.hpp"
@@ -9,7 +10,6 @@
 
 #include "kob_dp.h"
 
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -210,19 +210,19 @@ int link_files(const LinkOptions& options)
 
 void add_link(CLI::App& app, int& exit_code)
 {
-    auto* verb = app.add_subcommand("link", "make a file that shows others through external links");
+    Verb verb{app, "link", "make a file that shows others through external links"};
     auto options = std::make_shared<LinkOptions>();
-    verb->add_option("TARGET", options->target, "KOB file to make")->required();
-    verb->add_option("SOURCE", options->sources, "KOB files to show, or groups inside them")->required();
-    verb->add_option("--group", options->group, "put the links into this group (with --separate: begin of the names)");
-    verb->add_flag("--separate", options->separate, "a group for each source: domain_1, domain_2, ...");
-    verb->add_flag("--first-wins", options->first_wins, "leave out what an earlier source shows under the same name");
-    verb->add_flag("--absolute", options->absolute, "name the sources by their whole path");
-    verb->add_flag("--force", options->force, "replace the target if it exists");
-    verb->add_flag("--dry-run", options->dry_run, "say what would be linked and make nothing");
-    verb->add_flag("--quiet", options->quiet, "no summary");
-    verb->add_flag("--json", options->json, "print a JSON summary");
-    verb->callback([options, &exit_code] {
+    verb.option("TARGET", options->target, "KOB file to make").required();
+    verb.option("SOURCE", options->sources, "KOB files to show, or groups inside them").required();
+    verb.option("--group", options->group, "put the links into this group (with --separate: begin of the names)");
+    verb.flag("--separate", options->separate, "a group for each source: domain_1, domain_2, ...");
+    verb.flag("--first-wins", options->first_wins, "leave out what an earlier source shows under the same name");
+    verb.flag("--absolute", options->absolute, "name the sources by their whole path");
+    verb.flag("--force", options->force, "replace the target if it exists");
+    verb.flag("--dry-run", options->dry_run, "say what would be linked and make nothing");
+    verb.flag("--quiet", options->quiet, "no summary");
+    verb.flag("--json", options->json, "print a JSON summary");
+    verb.runs([options, &exit_code] {
         run_verb("kob link", exit_code, [&] {
             try {
                 return link_files(*options);

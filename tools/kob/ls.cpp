@@ -2,11 +2,11 @@
 // kob ls: the blocks of a file as a table.
 
 #include "block_reader.hpp"
+#include "command_line.hpp"
 #include "file.hpp"
 #include "terminal.hpp"
 #include "verbs.hpp"
 
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -278,18 +278,16 @@ int list(const Options& options)
 void add_ls(CLI::App& app, int& exit_code)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App* verb = app.add_subcommand("ls", "List the blocks of a file");
-    verb->add_option("FILE", options->file, "Result file")->required();
-    verb->add_option("-k,--kind", options->kinds, "Only blocks of this kind (name or key); may be repeated")
-        ->allow_extra_args(false);
-    verb->add_option("-v,--variable", options->variables, "Only blocks of this variable; may be repeated")
-        ->allow_extra_args(false);
-    verb->add_option("-s,--state", options->state,
-                     "Only blocks of this state: a number, or several with commas in the order of the index values, or "
-                     "\"constant\"");
-    verb->add_flag("-p,--paths", options->paths, "Add the path of each block");
-    verb->add_flag("--json", options->json, "Print JSON");
-    verb->callback([options, &exit_code] { run_verb("kob ls", exit_code, [&] { return list(*options); }); });
+    Verb verb{app, "ls", "List the blocks of a file"};
+    verb.option("FILE", options->file, "Result file").required();
+    verb.option("-k,--kind", options->kinds, "Only blocks of this kind (name or key); may be repeated").one_at_a_time();
+    verb.option("-v,--variable", options->variables, "Only blocks of this variable; may be repeated").one_at_a_time();
+    verb.option("-s,--state", options->state,
+                "Only blocks of this state: a number, or several with commas in the order of the index values, or "
+                "\"constant\"");
+    verb.flag("-p,--paths", options->paths, "Add the path of each block");
+    verb.flag("--json", options->json, "Print JSON");
+    verb.runs([options, &exit_code] { run_verb("kob ls", exit_code, [&] { return list(*options); }); });
 }
 
 } // namespace kob::program

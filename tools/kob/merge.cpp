@@ -2,6 +2,7 @@
 // kob merge: the files of a distributed run become one file.
 
 #include "block_reader.hpp"
+#include "command_line.hpp"
 #include "draft.hpp"
 #include "file.hpp"
 #include "params.hpp"
@@ -12,7 +13,6 @@
 
 #include "kob_dp.h"
 
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include <unistd.h>
@@ -302,25 +302,25 @@ int merge_files(const MergeOptions& options)
 
 void add_merge(CLI::App& app, int& exit_code)
 {
-    auto* verb = app.add_subcommand("merge", "merge the files of a distributed run into one");
+    Verb verb{app, "merge", "merge the files of a distributed run into one"};
     auto options = std::make_shared<MergeOptions>();
-    verb->add_option("OUT", options->target, "KOB file to write")->required();
-    verb->add_option("FILE", options->sources, "domain files, in the order of the domains")->required();
-    verb->add_option("--exponents", options->exponents,
-                     "parameter file: store these variables in fewer bits, see kob params");
-    verb->add_option("--deflate", options->deflate, "compress with this level, 1 to 9, what is not compressed yet")
-        ->check(CLI::Range(0, 9));
-    verb->add_flag("--shuffle", options->shuffle, "sort the bytes of numbers before they are compressed");
-    verb->add_option("--float", options->float_size, "bytes of a stored number of the model: 4 or 8")
-        ->check(CLI::IsMember({4, 8}))
-        ->capture_default_str();
-    verb->add_flag("--no-domain-number", options->no_domains, "do not add the result DMPComputeDomainNumber");
-    verb->add_flag("--force", options->force, "replace the output if it exists");
-    verb->add_flag("--dry-run", options->dry_run, "say what would be merged, copied and left out, and write nothing");
-    verb->add_flag("--quiet", options->quiet, "no progress bar, no summary");
-    verb->add_flag("--verbose", options->verbose, "show the library's own report");
-    verb->add_flag("--json", options->json, "print a JSON summary");
-    verb->callback([options, &exit_code] {
+    verb.option("OUT", options->target, "KOB file to write").required();
+    verb.option("FILE", options->sources, "domain files, in the order of the domains").required();
+    verb.option("--exponents", options->exponents,
+                "parameter file: store these variables in fewer bits, see kob params");
+    verb.option("--deflate", options->deflate, "compress with this level, 1 to 9, what is not compressed yet")
+        .between(0, 9);
+    verb.flag("--shuffle", options->shuffle, "sort the bytes of numbers before they are compressed");
+    verb.option("--float", options->float_size, "bytes of a stored number of the model: 4 or 8")
+        .one_of({4, 8})
+        .shows_default();
+    verb.flag("--no-domain-number", options->no_domains, "do not add the result DMPComputeDomainNumber");
+    verb.flag("--force", options->force, "replace the output if it exists");
+    verb.flag("--dry-run", options->dry_run, "say what would be merged, copied and left out, and write nothing");
+    verb.flag("--quiet", options->quiet, "no progress bar, no summary");
+    verb.flag("--verbose", options->verbose, "show the library's own report");
+    verb.flag("--json", options->json, "print a JSON summary");
+    verb.runs([options, &exit_code] {
         run_verb("kob merge", exit_code, [&] {
             try {
                 return merge_files(*options);

@@ -3,12 +3,12 @@
 
 #include "params.hpp"
 
+#include "command_line.hpp"
 #include "terminal.hpp"
 #include "verbs.hpp"
 
 #include "kob_dp.h"
 
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include <memory>
@@ -46,11 +46,11 @@ void add_params(CLI::App& app, int& exit_code)
         std::string path;
         bool json = false;
     };
-    auto* verb = app.add_subcommand("params", "show a parameter file: variables and exponents for kob merge");
+    Verb verb{app, "params", "show a parameter file: variables and exponents for kob merge"};
     auto options = std::make_shared<Options>();
-    verb->add_option("FILE", options->path, "text file with a variable and an exponent on each line")->required();
-    verb->add_flag("--json", options->json, "print JSON");
-    verb->callback([options, &exit_code] {
+    verb.option("FILE", options->path, "text file with a variable and an exponent on each line").required();
+    verb.flag("--json", options->json, "print JSON");
+    verb.runs([options, &exit_code] {
         run_verb("kob params", exit_code, [&] {
             const Exponents table = read_exponents(options->path);
             if (options->json) {

@@ -3,11 +3,11 @@
 
 #include "block_reader.hpp"
 #include "block_text.hpp"
+#include "command_line.hpp"
 #include "file.hpp"
 #include "terminal.hpp"
 #include "verbs.hpp"
 
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
@@ -166,17 +166,15 @@ int show(const Options& options)
 void add_show(CLI::App& app, int& exit_code)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App* verb = app.add_subcommand("show", "Show the attributes and values of one block");
-    verb->add_option("FILE", options->file, "Result file")->required();
-    verb->add_option("BLOCK", options->block,
-                     "Number in the listing, path, or the end of a path that only one block has")
-        ->required();
-    CLI::Option* rows = verb->add_option("-n,--rows", options->rows, "Number of rows shown of each array")
-                            ->check(CLI::NonNegativeNumber)
-                            ->capture_default_str();
-    verb->add_flag("-a,--all", options->all, "Show all rows")->excludes(rows);
-    verb->add_flag("--json", options->json, "Print JSON");
-    verb->callback([options, &exit_code] { run_verb("kob show", exit_code, [&] { return show(*options); }); });
+    Verb verb{app, "show", "Show the attributes and values of one block"};
+    verb.option("FILE", options->file, "Result file").required();
+    verb.option("BLOCK", options->block, "Number in the listing, path, or the end of a path that only one block has")
+        .required();
+    const Option rows =
+        verb.option("-n,--rows", options->rows, "Number of rows shown of each array").not_negative().shows_default();
+    verb.flag("-a,--all", options->all, "Show all rows").excludes(rows);
+    verb.flag("--json", options->json, "Print JSON");
+    verb.runs([options, &exit_code] { run_verb("kob show", exit_code, [&] { return show(*options); }); });
 }
 
 } // namespace kob::program

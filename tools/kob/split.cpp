@@ -2,6 +2,7 @@
 // kob split: cuts a model into the files of a distributed run, with shared nodes in each of their domains.
 
 #include "block_writer.hpp"
+#include "command_line.hpp"
 #include "draft.hpp"
 #include "file.hpp"
 #include "progress.hpp"
@@ -13,7 +14,6 @@
 
 #include "kob_dp.h"
 
-#include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include <unistd.h>
@@ -292,23 +292,21 @@ int split_file(const SplitOptions& options)
 
 void add_split(CLI::App& app, int& exit_code)
 {
-    auto* verb = app.add_subcommand("split", "cut a model into the files of a distributed run");
+    Verb verb{app, "split", "cut a model into the files of a distributed run"};
     auto options = std::make_shared<SplitOptions>();
-    verb->add_option("FILE", options->path, "KOB file with elements")->required();
-    verb->add_option("N", options->domains, "number of domains")->required()->check(CLI::Range(1, most_domains));
-    verb->add_option("--by", options->by, "cut the elements in their order, or across x, y or z")
-        ->check(CLI::IsMember({"order", "x", "y", "z"}))
-        ->capture_default_str();
-    verb->add_option("--output", options->output,
-                     "name of the domain files, which get _1, _2, ... before its ending (default: that of FILE)");
-    verb->add_option("--float", options->float_size, "bytes of a stored number: 4 or 8")
-        ->check(CLI::IsMember({4, 8}))
-        ->capture_default_str();
-    verb->add_flag("--force", options->force, "replace domain files that exist");
-    verb->add_flag("--dry-run", options->dry_run, "say what would be written and write nothing");
-    verb->add_flag("--quiet", options->quiet, "no progress bar, no summary");
-    verb->add_flag("--json", options->json, "print a JSON summary");
-    verb->callback([options, &exit_code] {
+    verb.option("FILE", options->path, "KOB file with elements").required();
+    verb.option("N", options->domains, "number of domains").required().between(1, most_domains);
+    verb.option("--by", options->by, "cut the elements in their order, or across x, y or z")
+        .one_of({"order", "x", "y", "z"})
+        .shows_default();
+    verb.option("--output", options->output,
+                "name of the domain files, which get _1, _2, ... before its ending (default: that of FILE)");
+    verb.option("--float", options->float_size, "bytes of a stored number: 4 or 8").one_of({4, 8}).shows_default();
+    verb.flag("--force", options->force, "replace domain files that exist");
+    verb.flag("--dry-run", options->dry_run, "say what would be written and write nothing");
+    verb.flag("--quiet", options->quiet, "no progress bar, no summary");
+    verb.flag("--json", options->json, "print a JSON summary");
+    verb.runs([options, &exit_code] {
         run_verb("kob split", exit_code, [&] {
             try {
                 return split_file(*options);

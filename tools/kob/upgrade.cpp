@@ -2,6 +2,7 @@
 // kob upgrade: writes a file of the older layout in the current one.
 
 #include "block_writer.hpp"
+#include "command_line.hpp"
 #include "draft.hpp"
 #include "file.hpp"
 #include "terminal.hpp"
@@ -9,8 +10,6 @@
 #include "written_file.hpp"
 
 #include "kob_dp.h"
-
-#include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <map>
@@ -300,14 +299,12 @@ int upgrade(const Options& options)
 void add_upgrade(CLI::App& app, int& exit_code)
 {
     const auto options = std::make_shared<Options>();
-    CLI::App* verb = app.add_subcommand("upgrade", "Write a file of the older layout in the current one");
-    verb->add_option("OLD", options->input, "Result file of the older layout")->required();
-    verb->add_option("NEW", options->output, "Result file to write")->required();
-    verb->add_option("--float", options->float_size, "bytes of a stored number: 4 or 8")
-        ->check(CLI::IsMember({4, 8}))
-        ->capture_default_str();
-    verb->add_flag("--force", options->force, "replace the output if it exists");
-    verb->callback([options, &exit_code] { run_verb("kob upgrade", exit_code, [&] { return upgrade(*options); }); });
+    Verb verb{app, "upgrade", "Write a file of the older layout in the current one"};
+    verb.option("OLD", options->input, "Result file of the older layout").required();
+    verb.option("NEW", options->output, "Result file to write").required();
+    verb.option("--float", options->float_size, "bytes of a stored number: 4 or 8").one_of({4, 8}).shows_default();
+    verb.flag("--force", options->force, "replace the output if it exists");
+    verb.runs([options, &exit_code] { run_verb("kob upgrade", exit_code, [&] { return upgrade(*options); }); });
 }
 
 } // namespace kob::program
