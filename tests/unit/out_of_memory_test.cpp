@@ -90,6 +90,18 @@ void scaled_and_deflated(hid_t list)
     deflated(list);
 }
 
+struct FilterCase {
+    const char* name;
+    void (*add)(hid_t list);
+
+    friend std::ostream& operator<<(std::ostream& out, const FilterCase& filters) { return out << filters.name; }
+};
+constexpr FilterCase only_scaled{"scaled", scaled};
+constexpr FilterCase only_deflated{"deflated", deflated};
+constexpr FilterCase both{"scaled_and_deflated", scaled_and_deflated};
+
+std::string name_of(const testing::TestParamInfo<FilterCase>& info) { return info.param.name; }
+
 struct Result {
     std::int32_t status = 77;
     std::string lines;
@@ -108,7 +120,7 @@ template <class Call> Result run_short_of_memory(long granted, bool just_one, Ca
     return result;
 }
 
-class OutOfMemory : public testing::TestWithParam<void (*)(hid_t)> {
+class OutOfMemory : public testing::TestWithParam<FilterCase> {
 protected:
     OutOfMemory() { libdeflate_set_memory_allocator(allocate, std::free); }
     ~OutOfMemory() override { libdeflate_set_memory_allocator(std::malloc, std::free); }
@@ -118,7 +130,7 @@ protected:
         if (has_link(file_, "d")) H5Ldelete(file_, "d", H5P_DEFAULT);
         const auto list = chunked_list({4, columns}, [](hid_t chunked) {
             H5Pset_fill_value(chunked, H5T_NATIVE_DOUBLE, &fill);
-            GetParam()(chunked);
+            GetParam().add(chunked);
         });
         const Hid dataset = create_dataset(file_, "d", H5T_IEEE_F64LE, {rows, columns}, list);
         before_ = some_values(rows_written * columns, 1);
@@ -260,7 +272,7 @@ TEST_P(OutOfMemory, A_read_of_a_block_fails_in_one_line)
     refuse_each_of_read(expected, found, [&] { return read(kob::access_mode::block, count, start, found); });
 }
 
-INSTANTIATE_TEST_SUITE_P(Filters, OutOfMemory, testing::Values(scaled, deflated, scaled_and_deflated));
+INSTANTIATE_TEST_SUITE_P(Filters, OutOfMemory, testing::Values(only_scaled, only_deflated, both), name_of);
 
 // Points go chunk by chunk under scale-offset alone.
 class OutOfMemoryUnderScaleOffset : public OutOfMemory {};
@@ -315,6 +327,6 @@ TEST_P(OutOfMemoryUnderScaleOffset, A_cut_fails_and_harms_nothing)
     EXPECT_GT(failures, 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Filters, OutOfMemoryUnderScaleOffset, testing::Values(scaled, scaled_and_deflated));
+INSTANTIATE_TEST_SUITE_P(Filters, OutOfMemoryUnderScaleOffset, testing::Values(only_scaled, both), name_of);
 
 } // namespace
