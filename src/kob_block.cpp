@@ -2,15 +2,18 @@
 // The verbs of Writer and Reader, in terms of the storage layer.
 #include "kob_block.hpp"
 
+#include "kob_group_links.hpp"
+
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <utility>
 
 namespace kob {
 
 Shape Shape::of_rank(std::int32_t rank)
 {
-    Shape shape{};
+    Shape shape({});
     shape.told_ = false;
     shape.rank_ = rank;
     return shape;
@@ -33,6 +36,16 @@ bool Shape::is_empty() const
     }
     for (std::int32_t i = 0; i < rank_; ++i) {
         if (dims_[static_cast<std::size_t>(i)] == 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool Shape::has_markers() const
+{
+    for (std::size_t i = 0; told_ && i < static_cast<std::size_t>(rank_); ++i) {
+        if (!grows_[i] && dims_[i] == growable) {
             return true;
         }
     }
@@ -129,11 +142,18 @@ void Writer::dataset(const char* name, const void* data, std::int32_t type, std:
         return;
     }
     require(data, shape, part);
-    const Shape given = part.is_whole() ? shape : shape.without_markers();
-    status_ =
-        KOB_H5Dwrite(name, data, type, data_size, kob_size, given.dims(), given.rank(), part.count, part.start,
-                     part.mode, place(where_), flags, filters_.params.data(),
-                     {.place = place_, .origin = part.origin, .leading_extent = &leading_extent_, .shared = &shared_});
+    if (!part.is_whole() && shape.has_markers()) {
+        dataset(name, data, type, data_size, kob_size, shape.without_markers(), part, flags);
+        return;
+    }
+    const hid_t group = place(where_);
+    status_ = KOB_H5Dwrite(name, data, type, data_size, kob_size, shape.dims(), shape.rank(), part.count, part.start,
+                           part.mode, group, flags, filters_.params.data(),
+                           {.place = place_,
+                            .origin = part.origin,
+                            .leading_extent = &leading_extent_,
+                            .shared = &shared_,
+                            .links = links_ != nullptr && links_->knows(group) ? links_ : nullptr});
 }
 
 void Writer::frame(const BlockKind& kind, std::int32_t key)
@@ -166,39 +186,38 @@ void Writer::long_integer(const char* name, Arg<Writer, std::int64_t> number)
     attribute(name, number.get(), type_code::integer, sizeof(std::int64_t));
 }
 
-void Writer::rewrite(const char* name, std::int32_t number)
+void Writer::rewrite(const char* name, std::int32_t number, Id attribute)
 {
-    const hsize_t one = 1;
     if (status_ == 0) {
-        status_ = KOB_H5Awrite(name, &number, type_code::integer, sizeof number, sizeof number, &one, 0,
-                               place(Where::header), Place::known, &shared_);
+        status_ = KOB_H5Arewrite(name, number, std::move(attribute));
     }
 }
 
-void Writer::texts(const char* name, Arg<Writer, char> fields, Shape shape, std::int32_t length, Part part)
+void Writer::texts(const char* name, Arg<Writer, char> fields, const Shape& shape, std::int32_t length,
+                   const Part& part)
 {
     const auto size = static_cast<std::size_t>(length);
     dataset(name, fields.get(), type_code::text, size, size, shape, part, filters_.flags);
 }
 
-void Writer::integers(const char* name, Arg<Writer, std::int32_t> numbers, Shape shape, Part part)
+void Writer::integers(const char* name, Arg<Writer, std::int32_t> numbers, const Shape& shape, const Part& part)
 {
     dataset(name, numbers.get(), type_code::integer, sizeof(std::int32_t), sizeof(std::int32_t), shape, part,
             filters_.flags);
 }
 
-void Writer::long_integers(const char* name, Arg<Writer, std::int64_t> numbers, Shape shape)
+void Writer::long_integers(const char* name, Arg<Writer, std::int64_t> numbers, const Shape& shape)
 {
     dataset(name, numbers.get(), type_code::integer, sizeof(std::int64_t), sizeof(std::int64_t), shape, {},
             filters_.flags);
 }
 
-void Writer::reals(const char* name, Reals<Writer> numbers, Shape shape, Part part)
+void Writer::reals(const char* name, Reals<Writer> numbers, const Shape& shape, const Part& part)
 {
     dataset(name, numbers.address, type_code::real, numbers.size, float_size_, shape, part, filters_.flags);
 }
 
-void Writer::exact_reals(const char* name, Reals<Writer> numbers, Shape shape, Part part)
+void Writer::exact_reals(const char* name, Reals<Writer> numbers, const Shape& shape, const Part& part)
 {
     dataset(name, numbers.address, type_code::real, numbers.size, float_size_, shape, part, filters_.exact_flags());
 }
@@ -309,22 +328,23 @@ void Reader::long_integer(const char* name, Arg<Reader, std::int64_t> number)
     attribute(name, number.get(), type_code::integer, sizeof(std::int64_t));
 }
 
-void Reader::texts(const char* name, Arg<Reader, char> fields, Shape shape, std::int32_t length, Part part)
+void Reader::texts(const char* name, Arg<Reader, char> fields, const Shape& shape, std::int32_t length,
+                   const Part& part)
 {
     dataset(name, fields.get(), type_code::text, static_cast<std::size_t>(length), shape, part);
 }
 
-void Reader::integers(const char* name, Arg<Reader, std::int32_t> numbers, Shape shape, Part part)
+void Reader::integers(const char* name, Arg<Reader, std::int32_t> numbers, const Shape& shape, const Part& part)
 {
     dataset(name, numbers.get(), type_code::integer, sizeof(std::int32_t), shape, part);
 }
 
-void Reader::long_integers(const char* name, Arg<Reader, std::int64_t> numbers, Shape shape)
+void Reader::long_integers(const char* name, Arg<Reader, std::int64_t> numbers, const Shape& shape)
 {
     dataset(name, numbers.get(), type_code::integer, sizeof(std::int64_t), shape, {});
 }
 
-void Reader::reals(const char* name, Reals<Reader> numbers, Shape shape, Part part)
+void Reader::reals(const char* name, Reals<Reader> numbers, const Shape& shape, const Part& part)
 {
     dataset(name, numbers.address, type_code::real, numbers.size, shape, part);
 }

@@ -104,14 +104,16 @@ public:
     [[nodiscard]] const hsize_t* dims() const { return told_ ? dims_.data() : nullptr; }
     [[nodiscard]] bool is_empty() const;
 
-    /// The extents for a partial access, where -1 is a count like any other and marks nothing.
+    /// For a partial access -1 is a count like any other and marks nothing.
+    [[nodiscard]] bool has_markers() const;
     [[nodiscard]] Shape without_markers() const;
 
 private:
     bool told_ = true;
     std::int32_t rank_ = 0;
-    std::array<hsize_t, H5S_MAX_RANK + 1> dims_{};
-    std::array<bool, H5S_MAX_RANK + 1> grows_{};
+    // Only as many as the rank are set: clearing and copying the others would take longer than all else with a shape.
+    std::array<hsize_t, H5S_MAX_RANK + 1> dims_;
+    std::array<bool, H5S_MAX_RANK + 1> grows_;
 };
 
 /// Which part of a dataset is transferred.
@@ -173,22 +175,27 @@ public:
     /// The group that holds the datasets of a place.
     hid_t place(Where where) { return places_.open_or_create(where); }
 
+    /// Links that were looked for in one of the places, those of all datasets to come in it among them.
+    void follow(const GroupLinks& links) { links_ = &links; }
+
     // attributes
     void frame(const BlockKind& kind, std::int32_t key);
     void text(const char* name, Arg<Writer, char> field, std::size_t length = name_length);
     void integer(const char* name, Arg<Writer, std::int32_t> number);
     void long_integer(const char* name, Arg<Writer, std::int64_t> number);
-    /// Writes over an integer that was just read.
-    void rewrite(const char* name, std::int32_t number);
+    /// Writes over an integer whose attribute is open since it was read.
+    void rewrite(const char* name, std::int32_t number, Id attribute);
 
     // datasets
-    void texts(const char* name, Arg<Writer, char> fields, Shape shape, std::int32_t length = name_length,
-               Part part = {});
-    void integers(const char* name, Arg<Writer, std::int32_t> numbers, Shape shape, Part part = {});
-    void long_integers(const char* name, Arg<Writer, std::int64_t> numbers, Shape shape);
-    void reals(const char* name, Reals<Writer> numbers, Shape shape, Part part = {});       ///< filtered as asked
-    void exact_reals(const char* name, Reals<Writer> numbers, Shape shape, Part part = {}); ///< never lossy
-    void single(const char* name, Arg<Writer, std::int32_t> number);                        ///< a scalar dataset
+    void texts(const char* name, Arg<Writer, char> fields, const Shape& shape, std::int32_t length = name_length,
+               const Part& part = {});
+    void integers(const char* name, Arg<Writer, std::int32_t> numbers, const Shape& shape, const Part& part = {});
+    void long_integers(const char* name, Arg<Writer, std::int64_t> numbers, const Shape& shape);
+    void reals(const char* name, Reals<Writer> numbers, const Shape& shape,
+               const Part& part = {}); ///< filtered as asked
+    void exact_reals(const char* name, Reals<Writer> numbers, const Shape& shape,
+                     const Part& part = {});                         ///< never lossy
+    void single(const char* name, Arg<Writer, std::int32_t> number); ///< a scalar dataset
 
     void fail(std::int32_t status);
     [[nodiscard]] bool ok() const { return status_ == 0; }
@@ -204,6 +211,7 @@ private:
 
     Places places_;
     Where where_ = Where::data;
+    const GroupLinks* links_ = nullptr;
     bool keeps_state_index_ = true;
     Filters filters_;
     std::size_t float_size_;
@@ -232,12 +240,12 @@ public:
     void long_integer(const char* name, Arg<Reader, std::int64_t> number);
 
     // datasets
-    void texts(const char* name, Arg<Reader, char> fields, Shape shape, std::int32_t length = name_length,
-               Part part = {});
-    void integers(const char* name, Arg<Reader, std::int32_t> numbers, Shape shape, Part part = {});
-    void long_integers(const char* name, Arg<Reader, std::int64_t> numbers, Shape shape);
-    void reals(const char* name, Reals<Reader> numbers, Shape shape, Part part = {});
-    void exact_reals(const char* name, Reals<Reader> numbers, Shape shape, Part part = {})
+    void texts(const char* name, Arg<Reader, char> fields, const Shape& shape, std::int32_t length = name_length,
+               const Part& part = {});
+    void integers(const char* name, Arg<Reader, std::int32_t> numbers, const Shape& shape, const Part& part = {});
+    void long_integers(const char* name, Arg<Reader, std::int64_t> numbers, const Shape& shape);
+    void reals(const char* name, Reals<Reader> numbers, const Shape& shape, const Part& part = {});
+    void exact_reals(const char* name, Reals<Reader> numbers, const Shape& shape, const Part& part = {})
     {
         reals(name, numbers, shape, part);
     }

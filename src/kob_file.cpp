@@ -95,6 +95,12 @@ Id access_properties()
         cache.decr_mode = H5C_decr__off;
         H5Pset_mdc_config(properties.get(), &cache);
     }
+    // A call opens a dataset, visits its chunks once and closes it: what a cache of chunks takes longest for is the
+    // table that it is looked up in.
+    constexpr std::size_t chunk_slots = 31;
+    constexpr std::size_t chunk_bytes = std::size_t{1} << 20; // HDF5's default, and the next one
+    constexpr double chunk_preemption = 0.75;
+    H5Pset_cache(properties.get(), 0, chunk_slots, chunk_bytes, chunk_preemption);
     return properties;
 }
 

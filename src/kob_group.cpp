@@ -67,6 +67,12 @@ Id open_parent(hid_t parent, const std::string& path, const std::vector<Level>& 
 OpenedGroup create_levels(hid_t parent, const std::string& path, LevelProperties properties,
                           std::size_t expected_missing)
 {
+    if (expected_missing == 0) {
+        if (Id group = open_path(parent, path)) {
+            return {std::move(group), 0};
+        }
+        expected_missing = usually_missing;
+    }
     const std::vector<Level> levels = levels_of(path);
     std::size_t depth = 0;
     Id group = open_parent(parent, path, levels, expected_missing, depth);

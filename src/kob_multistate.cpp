@@ -5,8 +5,11 @@
 #include "kob_results.hpp"
 
 #include "kob_dp.h"
+#include "kob_group_links.hpp"
 
 #include <algorithm>
+#include <optional>
+#include <utility>
 
 namespace kob {
 namespace {
@@ -90,30 +93,34 @@ private:
     std::array<std::int64_t, 6> start_{};
 };
 
-/// The number of states that a series says it holds.
-std::int32_t read_nstate(Writer& io, std::int32_t& nstate, Report report)
+/// Opens the number of states that a series says it holds.
+std::int32_t open_nstate(Writer& io, Id& nstate, Report report)
 {
     const hsize_t one = 1;
-    return KOB_H5Aread("nstate", &nstate, type_code::integer, sizeof nstate, &one, 0, io.place(Where::header), nullptr,
-                       report);
+    return KOB_H5Aread("nstate", nullptr, type_code::integer, sizeof(std::int32_t), &one, 0, io.place(Where::header),
+                       nullptr, report, nullptr, &nstate);
 }
 
-/// Ends a write of states: rewrites "nstate", or gives a new series its first value. A write that failed behind its
-/// index rows takes those back that have no values: a series with more of the ones than of the others is unreadable.
-std::int32_t end_states(Writer& io, const char* values, bool is_new, std::int32_t before, Place count = Place::unknown)
+/// Ends a write of states: rewrites "nstate", or gives a new series its first value, and returns what it is then. A
+/// write that failed behind its index rows takes those back that have no values: a series with more of the ones than
+/// of the others is unreadable. `opened` is "nstate" of a series that has one.
+std::int32_t end_states(Writer& io, const char* values, bool is_new, Id opened = {})
 {
+    std::int32_t nstate = 0;
+    const std::int64_t held = io.leading_extent();
+    if (io.ok() && held > 0) {
+        nstate = static_cast<std::int32_t>(std::min<std::int64_t>(held, INT32_MAX));
+    } else if (opened) {
+        H5Aread(opened.get(), H5T_NATIVE_INT, &nstate);
+    }
     if (!io.ok()) {
         const std::int64_t rows = count_rows(io.place(Where::data), values);
         if (rows >= 0 || is_new) {
             cut_rows(io.place(Where::index), "indexident", std::max<std::int64_t>(rows, 0));
             cut_rows(io.place(Where::index), "indexval", std::max<std::int64_t>(rows, 0));
         }
-        return before;
-    }
-    const std::int64_t held = io.leading_extent();
-    const std::int32_t nstate = held > 0 ? static_cast<std::int32_t>(std::min<std::int64_t>(held, INT32_MAX)) : before;
-    if (count == Place::known && held > 0) {
-        io.rewrite("nstate", nstate);
+    } else if (opened && held > 0) {
+        io.rewrite("nstate", nstate, std::move(opened));
     } else if (is_new || held > 0) {
         io.integer("nstate", &nstate);
     }
@@ -210,7 +217,14 @@ std::int32_t write_series(Location block, const MultiEntityResults<Writer>& b, c
         return refuse_group(block, kind, key);
     }
     Writer io{block, filters, size.stored, place};
-    const bool is_new = place == Place::fresh || !has_link(io.place(Where::data), "entid");
+    // The datasets that a further state goes to are looked for together.
+    std::optional<GroupLinks> links;
+    bool is_new = true;
+    if (place != Place::fresh) {
+        const hid_t data = io.place(Where::data);
+        links.emplace(data, std::initializer_list<const char*>{"entid", "indexident", "indexval", "res"});
+        is_new = !(links->knows(data) ? links->has("entid") : has_link(data, "entid"));
+    }
     if (is_new) {
         io.frame(kind, key);
         attributes(io, b);
@@ -218,16 +232,15 @@ std::int32_t write_series(Location block, const MultiEntityResults<Writer>& b, c
             identifiers(io, b.table);
         }
         io.forget_extent();
+    } else {
+        io.follow(*links);
     }
     // A first write that failed left no "nstate"; a series of no entities has one, though it looks new at every call.
-    Place count = Place::unknown;
-    if (place != Place::fresh) {
-        // An attribute that reads is there; only one that doesn't is looked for.
-        if (read_nstate(io, nstate, Report::silent) == 0) {
-            count = Place::known;
-        } else if (has_attribute(io.place(Where::header), "nstate")) {
-            io.fail(read_nstate(io, nstate, Report::loud));
-        }
+    // An attribute that opens is there; only one that doesn't is looked for.
+    Id held;
+    if (place != Place::fresh && open_nstate(io, held, Report::silent) != 0 &&
+        has_attribute(io.place(Where::header), "nstate")) {
+        io.fail(open_nstate(io, held, Report::loud));
     }
     if (io.ok() && !Part{request.mode}.is_known()) {
         report_error(message::writing_named_invalid_mode, kind.name, request.mode);
@@ -236,7 +249,7 @@ std::int32_t write_series(Location block, const MultiEntityResults<Writer>& b, c
     if (io.ok()) {
         write_states(io, b, size.complex, request);
     }
-    nstate = end_states(io, "res", is_new, nstate, count);
+    nstate = end_states(io, "res", is_new, std::move(held));
     return io.status();
 }
 
@@ -449,7 +462,7 @@ std::int32_t write_results(const SeriesPlace& to, const MultiElementResults<Writ
             rows(io, b.index, 0, states);
             io.reals("res", b.res.get(), leading.shape(), leading.part());
         }
-        end_states(io, "res", placed.is_new(), 0);
+        end_states(io, "res", placed.is_new());
     });
 }
 
@@ -517,7 +530,7 @@ std::int32_t write_flags(Location group, const char* series, const char* etyp, c
                                     rows(io, b.index, 0, states);
                                     io.integers("status", b.flags, leading.shape(), leading.part());
                                 }
-                                end_states(io, "status", placed.is_new(), 0);
+                                end_states(io, "status", placed.is_new());
                             });
 }
 

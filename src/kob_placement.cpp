@@ -56,6 +56,7 @@ BlockPath::BlockPath(Validity valid, std::initializer_list<const char*> componen
                      std::int32_t set_suffix)
     : validity{valid}, number{number_suffix}, set{set_suffix}
 {
+    names.reserve(components.size());
     for (const char* component : components) {
         add(component);
     }
@@ -65,7 +66,10 @@ void BlockPath::add(const char* component) { names.push_back(trimmed(component, 
 
 std::string BlockPath::text() const
 {
-    std::string path = top_group(validity.nstate);
+    constexpr std::size_t usual_length = 200;
+    std::string path;
+    path.reserve(usual_length);
+    path = top_group(validity.nstate);
     if (validity.nstate > 0 && validity.state >= 0) {
         append_state(path, validity.state);
     } else {

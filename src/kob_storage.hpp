@@ -13,6 +13,8 @@
 
 namespace kob {
 
+class GroupLinks;
+
 namespace plain {
 class Block;
 }
@@ -50,7 +52,6 @@ constexpr hsize_t growable = H5S_UNLIMITED;
 enum class Place {
     unknown, ///< an object of that name may exist: look, and reuse it
     fresh,   ///< the group was created by this call: nothing can be there
-    known,   ///< the object is there: the caller has just read it
 };
 
 /// What positions in a growable dimension count from.
@@ -80,6 +81,7 @@ struct WriteOptions {
     Origin origin = Origin::end;
     hsize_t* leading_extent = nullptr; ///< receives the leading extent after the write
     SharedIds* shared = nullptr;       ///< of a caller who writes many items
+    const GroupLinks* links = nullptr; ///< of the group, if they were looked for: the dataset's among them
 };
 
 /// Does a failed read print its line?
@@ -105,10 +107,14 @@ std::int32_t KOB_H5Dwrite(const char* name, const void* data, std::int32_t kob_t
                           const std::int32_t* filter_params, WriteOptions options = {});
 
 /// Reads an attribute of the expected shape; rank 0 expects one element. `stored_size` may be null.
-/// `plain` is the short way to the same location, if there is one.
+/// `plain` is the short way to the same location, if there is one. `kept` receives the attribute instead of its value
+/// being read: open, and known to be as expected.
 std::int32_t KOB_H5Aread(const char* name, void* data, std::int32_t kob_type, std::size_t data_size,
                          const hsize_t* dims, std::int32_t rank, hid_t location, std::uint64_t* stored_size,
-                         Report report = Report::loud, const plain::Block* plain = nullptr);
+                         Report report = Report::loud, const plain::Block* plain = nullptr, Id* kept = nullptr);
+
+/// Writes over the integer of an attribute that is open, and closes it.
+std::int32_t KOB_H5Arewrite(const char* name, std::int32_t number, Id attribute);
 
 /// Reads a dataset of the expected shape, or a block or points of it. The last three outputs may be null;
 /// asking for no filter report saves HDF5 the look at the creation properties.

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 namespace kob {
 namespace {
@@ -72,7 +73,7 @@ std::int32_t KOB_H5Awrite(const char* name, const void* data, std::int32_t kob_t
     FileType stored;
     std::vector<char> texts;
     const void* source = data;
-    if (place == Place::known || (place == Place::unknown && has_attribute(location, name))) {
+    if (place == Place::unknown && has_attribute(location, name)) {
         attribute = Id{H5Aopen(location, name, H5P_DEFAULT), H5Aclose};
         stored.owned = Id{H5Aget_type(attribute.get()), H5Tclose};
         stored.type = stored.owned.get();
@@ -117,7 +118,7 @@ std::int32_t KOB_H5Awrite(const char* name, const void* data, std::int32_t kob_t
 
 std::int32_t KOB_H5Aread(const char* name, void* data, std::int32_t kob_type, std::size_t data_size,
                          const hsize_t* dims, std::int32_t rank, hid_t location, std::uint64_t* stored_size,
-                         Report report, const plain::Block* plain)
+                         Report report, const plain::Block* plain, Id* kept)
 {
     using namespace attribute_read;
     const auto refuse = [&](Condition condition, std::int32_t quantity = -1) {
@@ -139,15 +140,16 @@ std::int32_t KOB_H5Aread(const char* name, void* data, std::int32_t kob_type, st
     if (KOB_H5gettype(kob_type, data_size, type_class, memory) != 0) {
         return refuse(memory_type);
     }
-    const Id attribute{H5Aopen(location, name, H5P_DEFAULT), H5Aclose};
+    Id attribute{H5Aopen(location, name, H5P_DEFAULT), H5Aclose};
     if (!attribute) {
         return refuse(missing);
     }
     const Id stored{H5Aget_type(attribute.get()), H5Tclose};
-    if (const H5T_class_t found = stored_class(stored.get()); found != type_class) {
+    const bool is_stored_as_asked = is_stored_as(stored.get(), memory, kob_type);
+    if (const H5T_class_t found = is_stored_as_asked ? type_class : stored_class(stored.get()); found != type_class) {
         return refuse(other_class, found);
     }
-    const std::size_t size = H5Tget_size(stored.get());
+    const std::size_t size = is_stored_as_asked ? data_size : H5Tget_size(stored.get());
     if (stored_size != nullptr) {
         *stored_size = size;
     }
@@ -157,12 +159,31 @@ std::int32_t KOB_H5Aread(const char* name, void* data, std::int32_t kob_type, st
     if (const auto other = other_shape(attribute.get(), size, dims, rank)) {
         return refuse(other->is_rank ? other_rank : other_extent, other->quantity);
     }
+    if (kept != nullptr) {
+        *kept = std::move(attribute);
+        return 0;
+    }
     const hid_t transferred = kob_type == type_code::text ? stored.get() : memory;
     if (const herr_t result = H5Aread(attribute.get(), transferred, data); result < 0) {
         return refuse(read, result);
     }
     if (kob_type == type_code::text && rank == 0) {
         std::fill_n(static_cast<char*>(data) + size, data_size - size, ' ');
+    }
+    return 0;
+}
+
+std::int32_t KOB_H5Arewrite(const char* name, std::int32_t number, Id attribute)
+{
+    using namespace attribute_write;
+    herr_t result = H5Awrite(attribute.get(), H5T_NATIVE_INT, &number);
+    if (result >= 0) {
+        result = attribute.close();
+    }
+    if (result < 0) {
+        report_error(message::attribute_write, write.number, name, type_code::integer, sizeof number, sizeof number,
+                     result);
+        return write.code;
     }
     return 0;
 }

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: BSD-3-Clause
 // Typed datasets: whole, a block of a hyperslab, or a list of points.
 #include "kob_chunk_transfer.hpp"
+#include "kob_group_links.hpp"
 #include "kob_message.hpp"
 #include "kob_plain_block.hpp"
+#include "kob_row_chunks.hpp"
 #include "kob_storage_codes.hpp"
 #include "kob_storage_convert.hpp"
 #include "kob_storage_filters.hpp"
@@ -47,7 +49,6 @@ public:
     /// current end, and `extents` grows to cover them. False when a position lies outside; `outside` tells the dimension.
     bool place(std::span<hsize_t> extents, std::span<const hsize_t> maximum, std::int32_t& outside)
     {
-        first_.fill(0);
         if (mode_ == access_mode::block) {
             for (std::size_t i = 0; i < rank_; ++i) {
                 if (!place_one(start_[i], count_[i], extents[i], extents[i], maximum[i] == growable, first_[i])) {
@@ -65,6 +66,23 @@ public:
 
     /// Elements of a block that is placed.
     [[nodiscard]] hsize_t block_elements() const { return product(std::span{count_}.first(rank_)); }
+
+    /// Is the placed block one whole row of a dataset that grows by rows alone?
+    [[nodiscard]] bool is_row(std::span<const hsize_t> extents, std::span<const hsize_t> maximum) const
+    {
+        if (mode_ != access_mode::block || rank_ == 0 || count_[0] != 1) {
+            return false;
+        }
+        for (std::size_t i = 1; i < rank_; ++i) {
+            if (count_[i] != extents[i] || maximum[i] != extents[i]) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    /// The first element of a block that is placed.
+    [[nodiscard]] const hsize_t* first() const { return first_.data(); }
 
     /// Writes or reads chunks, if they are not left to HDF5.
     ChunkTransfer write_chunks(hid_t dataset, hid_t memory_type, const void* data) const
@@ -160,9 +178,10 @@ private:
     std::int32_t mode_;
     Origin origin_;
     std::size_t rank_;
-    std::array<hsize_t, H5S_MAX_RANK> count_{};
-    std::array<std::int64_t, H5S_MAX_RANK> start_{};
-    std::array<hsize_t, H5S_MAX_RANK> first_{};
+    // Of these a block sets as many as its rank; clearing the others would take longer than all else done here.
+    std::array<hsize_t, H5S_MAX_RANK> count_;
+    std::array<std::int64_t, H5S_MAX_RANK> start_;
+    std::array<hsize_t, H5S_MAX_RANK> first_; ///< as placed
     hsize_t points_ = 0;
     const std::int64_t* coordinates_ = nullptr;
     std::vector<hsize_t> placed_;
@@ -180,22 +199,26 @@ struct DatasetCall {
     std::size_t kob_size;
     const hsize_t* dims;
     std::int32_t rank;
+    const std::int64_t* count;
+    const std::int64_t* start;
     std::int32_t mode;
     hid_t location;
     std::int32_t filter_flags;
     const std::int32_t* filter_params;
-    Selection selection;
 };
 
 /// One dataset write: reuses or creates the dataset, then transfers.
 class DatasetWrite : private DatasetCall {
 public:
-    explicit DatasetWrite(DatasetCall call) : DatasetCall{std::move(call)} {}
+    DatasetWrite(const DatasetCall& call, const WriteOptions& with)
+        : DatasetCall{call}, options_{with}, selection_{mode, rank, count, start, with.origin}
+    {
+    }
 
-    std::int32_t run(const WriteOptions& options)
+    std::int32_t run()
     {
         using namespace dataset_write;
-        if (kob::is_empty(dims, rank) || selection.is_empty()) {
+        if (kob::is_empty(dims, rank) || selection_.is_empty()) {
             return 0;
         }
         if (dims != nullptr && mode == access_mode::whole && rank > 0 &&
@@ -214,20 +237,23 @@ public:
             return refuse(narrower_file, printable(data_size));
         }
         // A dataset that opens is there; only one that doesn't is looked for.
-        if (options.place == Place::unknown) {
-            dataset_ = Id{H5Dopen2(location, name, H5P_DEFAULT), H5Dclose};
+        if (options_.place == Place::unknown) {
+            dataset_ = options_.links != nullptr ? options_.links->open(name)
+                                                 : Id{H5Dopen2(location, name, H5P_DEFAULT), H5Dclose};
         }
-        const bool exists = dataset_ || (options.place == Place::unknown && has_link(location, name));
+        const bool exists =
+            dataset_ || (options_.place == Place::unknown &&
+                         (options_.links != nullptr ? options_.links->has(name) : has_link(location, name)));
         if (!exists && dims == nullptr) {
             return refuse(no_dims);
         }
         SharedIds own;
-        SharedIds& ids = options.shared != nullptr ? *options.shared : own;
+        SharedIds& ids = options_.shared != nullptr ? *options_.shared : own;
         if (const std::int32_t result = exists ? reuse() : create(ids); result != 0) {
             return result;
         }
-        if (options.leading_extent != nullptr) {
-            *options.leading_extent = leading_extent_;
+        if (options_.leading_extent != nullptr) {
+            *options_.leading_extent = leading_extent_;
         }
         return transfer(ids);
     }
@@ -244,39 +270,41 @@ private:
         using namespace dataset_write;
         stored_.owned = Id{H5Dget_type(dataset_.get()), H5Tclose};
         stored_.type = stored_.owned.get();
-        if (const H5T_class_t found = stored_class(stored_.type); found != type_class_) {
+        is_stored_as_given_ = is_stored_as(stored_.type, memory_, kob_type);
+        if (const H5T_class_t found = is_stored_as_given_ ? type_class_ : stored_class(stored_.type);
+            found != type_class_) {
             return refuse(other_class, found);
         }
         space_ = Id{H5Dget_space(dataset_.get()), H5Sclose};
-        StoredShape shape = stored_shape(space_.get());
-        if (rank > 0 ? shape.rank != rank : shape.elements != 1) {
-            return refuse(other_rank, shape.rank);
+        read_shape(space_.get(), shape_);
+        if (rank > 0 ? shape_.rank != rank : shape_.elements != 1) {
+            return refuse(other_rank, shape_.rank);
         }
-        const auto used = static_cast<std::size_t>(std::max(shape.rank, 0));
-        const std::span<hsize_t> extents{shape.extents.data(), used};
-        const auto before = shape.extents;
+        const auto used = static_cast<std::size_t>(std::max(shape_.rank, 0));
+        const std::span<hsize_t> extents{shape_.extents.data(), used};
+        Position before;
+        std::copy(extents.begin(), extents.end(), before.begin());
         if (mode == access_mode::whole) {
-            const std::int32_t differing = rank > 0 && dims != nullptr ? first_difference(shape, dims) : -1;
+            const std::int32_t differing = rank > 0 && dims != nullptr ? first_difference(shape_, dims) : -1;
             if (differing >= 0) {
                 return refuse(other_extent, differing);
             }
-        } else if (std::int32_t outside = -1; !selection.place(extents, {shape.maximum.data(), used}, outside)) {
+        } else if (std::int32_t outside = -1; !selection_.place(extents, {shape_.maximum.data(), used}, outside)) {
             return refuse(mode == access_mode::block ? block_outside : point_outside, outside);
         }
-        if (before != shape.extents) {
-            if (!is_addressable(extents, H5Tget_size(stored_.type))) {
+        if (!std::equal(extents.begin(), extents.end(), before.begin())) {
+            if (!is_addressable(extents, is_stored_as_given_ ? data_size : H5Tget_size(stored_.type))) {
                 return refuse(extend);
             }
-            if (const herr_t result = H5Dset_extent(dataset_.get(), shape.extents.data()); result < 0) {
+            if (const herr_t result = H5Dset_extent(dataset_.get(), shape_.extents.data()); result < 0) {
                 return refuse(extend, result);
             }
-            if (H5Sset_extent_simple(space_.get(), shape.rank, shape.extents.data(), shape.maximum.data()) < 0) {
-                return refuse(extend);
-            }
+            is_outgrown_ = true;
         }
         elements_ = product(extents);
-        leading_extent_ = shape.extents[0];
+        leading_extent_ = shape_.extents[0];
         is_filtered_ = may_have_filters(dataset_.get());
+        is_row_ = selection_.is_row(extents, {shape_.maximum.data(), used});
         return 0;
     }
 
@@ -298,7 +326,7 @@ private:
         }
         if (mode != access_mode::whole) {
             std::int32_t outside = -1;
-            if (!selection.place({extents.data(), used}, maximum, outside)) {
+            if (!selection_.place({extents.data(), used}, maximum, outside)) {
                 return refuse(mode == access_mode::block ? block_outside : point_outside, outside);
             }
         }
@@ -329,26 +357,39 @@ private:
         return dataset_ ? 0 : refuse(dataset_write::create);
     }
 
+    /// Bytes of a row; the leading extent is not zero.
+    [[nodiscard]] std::size_t row_size() const
+    {
+        return static_cast<std::size_t>(elements_ / leading_extent_) * data_size;
+    }
+
     /// Is it worth a look at the chunks whether they can be handed over as they are?
     [[nodiscard]] bool is_large_block() const
     {
         constexpr hsize_t worth_a_look = 65536; // bytes
-        return mode == access_mode::block && selection.block_elements() >= worth_a_look / kob_size;
+        return mode == access_mode::block && selection_.block_elements() >= worth_a_look / kob_size;
     }
 
     std::int32_t transfer(SharedIds& ids)
     {
         using namespace dataset_write;
+        if (is_row_ && is_stored_as_given_ && !is_filtered_ && has_row_chunks(dataset_.get(), row_size())) {
+            return finish(H5Dwrite_chunk(dataset_.get(), H5P_DEFAULT, 0, selection_.first(), row_size(), data));
+        }
+        if (is_outgrown_ &&
+            H5Sset_extent_simple(space_.get(), shape_.rank, shape_.extents.data(), shape_.maximum.data()) < 0) {
+            return refuse(extend);
+        }
         Id own_memory;
         hid_t memory = H5S_ALL;
         if (mode != access_mode::whole) {
-            if (!space_ || !selection.select(space_.get())) {
+            if (!space_ || !selection_.select(space_.get())) {
                 return refuse(file_dataspace);
             }
-            if (!selection.is_single()) {
-                own_memory = selection.memory_space();
+            if (!selection_.is_single()) {
+                own_memory = selection_.memory_space();
             }
-            memory = selection.is_single() ? ids.scalar() : own_memory.get();
+            memory = selection_.is_single() ? ids.scalar() : own_memory.get();
             if (memory < 0) {
                 return refuse(memory_dataspace);
             }
@@ -368,20 +409,22 @@ private:
             }
         }
         const ChunkTransfer chunks = is_filtered_ || is_large_block()
-                                         ? selection.write_chunks(dataset_.get(), transferred, source)
+                                         ? selection_.write_chunks(dataset_.get(), transferred, source)
                                          : ChunkTransfer::left;
         const herr_t result = chunks != ChunkTransfer::left ? chunk_result(chunks)
                               : mode == access_mode::whole
                                   ? write_whole(transferred, source)
                                   : H5Dwrite(dataset_.get(), transferred, memory, space_.get(), H5P_DEFAULT, source);
-        if (result < 0) {
-            return refuse(write, result);
+        return finish(result);
+    }
+
+    /// Ends a transfer of this result. HDF5 may learn only now that the disk is full.
+    std::int32_t finish(herr_t result)
+    {
+        if (result >= 0) {
+            result = dataset_.close();
         }
-        // HDF5 may learn only now that the disk is full.
-        if (const herr_t closed = dataset_.close(); closed < 0) {
-            return refuse(write, closed);
-        }
-        return 0;
+        return result < 0 ? refuse(dataset_write::write, result) : 0;
     }
 
     [[nodiscard]] herr_t write_whole(hid_t transferred, const void* source) const
@@ -390,15 +433,21 @@ private:
         return converted ? *converted : H5Dwrite(dataset_.get(), transferred, H5S_ALL, H5S_ALL, H5P_DEFAULT, source);
     }
 
+    const WriteOptions& options_;
+    Selection selection_;
     H5T_class_t type_class_{};
     hid_t memory_ = H5I_INVALID_HID;
     hid_t native_ = H5I_INVALID_HID;
     Id dataset_;
-    Id space_; ///< the dataset's; none for a new scalar
+    Id space_;          ///< the dataset's; none for a new scalar
+    StoredShape shape_; ///< of a dataset that was there, with the extents that it has grown to
     FileType stored_;
     hsize_t elements_ = 0;
     hsize_t leading_extent_ = 0;
     bool is_filtered_ = false;
+    bool is_outgrown_ = false;        ///< has the dataset grown since `space_` was taken?
+    bool is_row_ = false;             ///< is the block a whole row of a dataset that was there?
+    bool is_stored_as_given_ = false; ///< is the stored type the caller's?
 };
 
 herr_t read_whole(hid_t dataset, hid_t stored, hid_t transferred, void* data)
@@ -414,9 +463,10 @@ std::int32_t KOB_H5Dwrite(const char* name, const void* data, std::int32_t kob_t
                           const std::int64_t* start, std::int32_t mode, hid_t location, std::int32_t filter_flags,
                           const std::int32_t* filter_params, WriteOptions options)
 {
-    return DatasetWrite{{name, data, kob_type, data_size, kob_size, dims, rank, mode, location, filter_flags,
-                         filter_params, Selection{mode, rank, count, start, options.origin}}}
-        .run(options);
+    return DatasetWrite{{name, data, kob_type, data_size, kob_size, dims, rank, count, start, mode, location,
+                         filter_flags, filter_params},
+                        options}
+        .run();
 }
 
 std::int32_t KOB_H5Dread(const char* name, void* data, std::int32_t kob_type, std::size_t data_size,

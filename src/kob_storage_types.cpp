@@ -33,6 +33,10 @@ std::int32_t lookup_failure(std::int32_t kob_type, std::size_t size)
     }
 }
 
+/// A predefined type. HDF5's names for these open the library at each use, which takes longer than the rest of a
+/// lookup; it is open if the type is there.
+template <class Name> hid_t predefined(hid_t type, Name&& name) { return type >= 0 ? type : name(); }
+
 template <class Number> void store_fill(void* value)
 {
     const auto number = static_cast<Number>(fill_number);
@@ -50,15 +54,17 @@ std::int32_t KOB_H5gettype(std::int32_t kob_type, std::size_t size, H5T_class_t&
     switch (kob_type) {
     case type_code::text:
         type_class = H5T_STRING;
-        type = H5T_C_S1;
+        type = predefined(H5T_C_S1_g, [] { return H5T_C_S1; });
         break;
     case type_code::integer:
         type_class = H5T_INTEGER;
-        type = size == 4 ? H5T_NATIVE_INT : H5T_NATIVE_LLONG;
+        type = size == 4 ? predefined(H5T_NATIVE_INT_g, [] { return H5T_NATIVE_INT; })
+                         : predefined(H5T_NATIVE_LLONG_g, [] { return H5T_NATIVE_LLONG; });
         break;
     default:
         type_class = H5T_FLOAT;
-        type = size == 4 ? H5T_NATIVE_FLOAT : H5T_NATIVE_DOUBLE;
+        type = size == 4 ? predefined(H5T_NATIVE_FLOAT_g, [] { return H5T_NATIVE_FLOAT; })
+                         : predefined(H5T_NATIVE_DOUBLE_g, [] { return H5T_NATIVE_DOUBLE; });
         break;
     }
     return 0;
@@ -132,11 +138,24 @@ H5T_class_t stored_class(hid_t type) noexcept
     return found == H5T_STRING && H5Tis_variable_str(type) > 0 ? H5T_VLEN : found;
 }
 
+bool is_stored_as(hid_t stored, hid_t memory, std::int32_t kob_type) noexcept
+{
+    return kob_type != type_code::text && H5Tequal(stored, memory) > 0;
+}
+
+void read_shape(hid_t space, StoredShape& shape) noexcept
+{
+    shape.rank = H5Sget_simple_extent_dims(space, shape.extents.data(), shape.maximum.data());
+    // A scalar has one element, an empty dataspace none; of others the extents tell.
+    shape.elements = shape.rank > 0
+                         ? static_cast<hssize_t>(product({shape.extents.data(), static_cast<std::size_t>(shape.rank)}))
+                         : H5Sget_simple_extent_npoints(space);
+}
+
 StoredShape stored_shape(hid_t space) noexcept
 {
     StoredShape shape;
-    shape.rank = H5Sget_simple_extent_dims(space, shape.extents.data(), shape.maximum.data());
-    shape.elements = H5Sget_simple_extent_npoints(space);
+    read_shape(space, shape);
     return shape;
 }
 

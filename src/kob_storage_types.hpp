@@ -26,17 +26,22 @@ FileType stored_type_for(std::int32_t kob_type, hid_t native, std::size_t size, 
 /// Class of a stored type as the type codes see it: a variable-length text is no text.
 H5T_class_t stored_class(hid_t type) noexcept;
 
+/// Is a number stored as the caller's memory has it? Then nothing else needs to be asked of the stored type. A text is
+/// never found to be, for its length belongs to its type.
+bool is_stored_as(hid_t stored, hid_t memory, std::int32_t kob_type) noexcept;
+
 /// Does a dataset lie in the file in one piece?
 bool is_contiguous(hid_t dataset) noexcept;
 
 /// Extents of what is stored.
 struct StoredShape {
     std::int32_t rank = -1;
-    std::array<hsize_t, H5S_MAX_RANK> extents{};
-    std::array<hsize_t, H5S_MAX_RANK> maximum{};
+    std::array<hsize_t, H5S_MAX_RANK> extents; ///< [rank], what lies behind is not set
+    std::array<hsize_t, H5S_MAX_RANK> maximum; ///< [rank]
     hssize_t elements = -1;
 };
 StoredShape stored_shape(hid_t space) noexcept;
+void read_shape(hid_t space, StoredShape& shape) noexcept;
 
 /// Index of the first extent that differs, or -1. Ranks are equal.
 std::int32_t first_difference(const StoredShape& stored, const hsize_t* dims) noexcept;
