@@ -46,7 +46,8 @@ public:
     }
 
     /// Turns positions into absolute ones against the present extents. In a growable dimension they count from the
-    /// current end, and `extents` grows to cover them. False when a position lies outside; `outside` tells the dimension.
+    /// current end, and `extents` grows to cover them. False when a position lies outside; `outside` tells the
+    /// dimension.
     bool place(std::span<hsize_t> extents, std::span<const hsize_t> maximum, std::int32_t& outside)
     {
         if (mode_ == access_mode::block) {

@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Links of a group found in one look.
+#include "kob_group_links.hpp"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "support/chunked_dataset.hpp"
+#include "support/hdf5_file.hpp"
+#include "support/temp_file.hpp"
+
+using namespace kob_test;
+using kob::GroupLinks;
+
+namespace {
+
+class Links : public testing::Test {
+protected:
+    TempFile path_{"links.h5"};
+    Hid file_ = create_file(path_.path());
+
+    void put(hid_t group, const std::string& name) { put_dataset(group, name, H5T_NATIVE_INT, {3}); }
+};
+
+bool is_dataset(const kob::Id& id) { return id && H5Iget_type(id.get()) == H5I_DATASET; }
+
+} // namespace
+
+TEST_F(Links, Those_that_are_there_are_found_and_opened)
+{
+    put(file_, "entid");
+    put(file_, "res");
+    put(file_, "resume");
+    const GroupLinks links{file_, {"entid", "indexident", "res"}};
+    EXPECT_TRUE(links.knows(file_));
+    EXPECT_TRUE(links.has("entid"));
+    EXPECT_TRUE(links.has("res"));
+    EXPECT_FALSE(links.has("indexident"));
+    EXPECT_TRUE(is_dataset(links.open("res")));
+    EXPECT_FALSE(links.open("indexident"));
+    const Hid expected{H5Dopen2(file_, "res", H5P_DEFAULT)};
+    const kob::Id opened = links.open("res");
+    H5O_info2_t one{};
+    H5O_info2_t other{};
+    ASSERT_GE(H5Oget_info3(expected, &one, H5O_INFO_BASIC), 0);
+    ASSERT_GE(H5Oget_info3(opened.get(), &other, H5O_INFO_BASIC), 0);
+    int difference = 1;
+    ASSERT_GE(H5Otoken_cmp(file_, &one.token, &other.token, &difference), 0);
+    EXPECT_EQ(difference, 0);
+}
+
+TEST_F(Links, Another_group_is_not_known)
+{
+    put(file_, "res");
+    const Hid group = create_group(file_, "other");
+    EXPECT_FALSE((GroupLinks{file_, {"res"}}.knows(group)));
+}
+
+TEST_F(Links, Soft_links_are_followed)
+{
+    const Hid group = create_group(file_, "there");
+    put(group, "res");
+    ASSERT_GE(H5Lcreate_soft("/there/res", file_, "res", H5P_DEFAULT, H5P_DEFAULT), 0);
+    ASSERT_GE(H5Lcreate_soft("/nowhere", file_, "entid", H5P_DEFAULT, H5P_DEFAULT), 0);
+    const GroupLinks links{file_, {"res", "entid"}};
+    EXPECT_TRUE(is_dataset(links.open("res")));
+    EXPECT_TRUE(links.has("entid"));
+    const QuietHdf5 quiet;
+    EXPECT_FALSE(links.open("entid"));
+}
+
+TEST_F(Links, A_group_of_many_links_is_left_to_searches_by_name)
+{
+    for (int i = 0; i < 40; ++i) put(file_, "a" + std::to_string(i));
+    put(file_, "res");
+    const QuietHdf5 quiet;
+    EXPECT_FALSE((GroupLinks{file_, {"res"}}.knows(file_)));
+}
+
+TEST_F(Links, Links_in_the_order_of_their_making_are_found)
+{
+    const Hid list{H5Pcreate(H5P_GROUP_CREATE)};
+    ASSERT_GE(H5Pset_link_creation_order(list, H5P_CRT_ORDER_TRACKED | H5P_CRT_ORDER_INDEXED), 0);
+    const Hid group{H5Gcreate2(file_, "ordered", H5P_DEFAULT, list, H5P_DEFAULT)};
+    put(group, "res");
+    put(group, "entid");
+    const GroupLinks links{group, {"entid", "res"}};
+    EXPECT_TRUE(links.knows(group));
+    EXPECT_TRUE(is_dataset(links.open("res")));
+    EXPECT_TRUE(is_dataset(links.open("entid")));
+}
+
+TEST_F(Links, No_group_is_not_known)
+{
+    const QuietHdf5 quiet;
+    EXPECT_FALSE((GroupLinks{H5I_INVALID_HID, {"res"}}.knows(H5I_INVALID_HID)));
+}

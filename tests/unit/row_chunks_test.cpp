@@ -1,0 +1,207 @@
+// SPDX-License-Identifier: BSD-3-Clause
+// Rows that are chunks are told from others, and rows of any dataset arrive where they belong.
+#include "kob_row_chunks.hpp"
+
+#include "kob_storage.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstring>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "support/chunked_dataset.hpp"
+#include "support/dice.hpp"
+#include "support/temp_file.hpp"
+
+using namespace kob_test;
+
+namespace {
+
+using Extents = std::vector<hsize_t>;
+using AddFilters = std::function<void(hid_t)>;
+
+constexpr std::size_t width = 4; // rows of 3 x 4 numbers
+constexpr std::size_t row_elements = 3 * width;
+constexpr std::size_t row_bytes = row_elements * 8;
+
+void no_filters(hid_t) {}
+void shuffle(hid_t list) { H5Pset_shuffle(list); }
+void fletcher(hid_t list) { H5Pset_fletcher32(list); }
+void optional_deflate(hid_t list) { H5Pset_deflate(list, 6); }
+
+class RowChunks : public testing::Test {
+protected:
+    TempFile path_{"rows.h5"};
+    Hid file_ = create_file(path_.path());
+
+    /// [rows, 3, 4], growing by rows.
+    Hid create(const Extents& chunk, hid_t type = H5T_NATIVE_DOUBLE, const AddFilters& add = no_filters,
+               hsize_t rows = 0)
+    {
+        const Hid list = chunked_list(chunk, add);
+        const Hid space = space_of({rows, 3, width}, {H5S_UNLIMITED, 3, width});
+        return Hid{H5Dcreate2(file_, "res", type, space, H5P_DEFAULT, list, H5P_DEFAULT)};
+    }
+};
+
+void grow(hid_t dataset, hsize_t rows)
+{
+    const Extents extents{rows, 3, width};
+    ASSERT_GE(H5Dset_extent(dataset, extents.data()), 0);
+}
+
+void write_rows(hid_t dataset, hsize_t first, hsize_t count)
+{
+    grow(dataset, first + count);
+    const std::vector<double> values(static_cast<std::size_t>(count) * row_elements, 1.5);
+    ASSERT_GE(write_block(dataset, H5T_NATIVE_DOUBLE, {{first, 0, 0}, {count, 3, width}}, values.data()), 0);
+}
+
+/// Writes one row with the library, as a series is written.
+std::int32_t write_row(hid_t file, std::int64_t row, const double* values, std::size_t stored_size)
+{
+    const std::array<hsize_t, 3> dims{H5S_UNLIMITED, 3, width};
+    const std::array<std::int64_t, 3> count{1, 3, width};
+    const std::array<std::int64_t, 3> start{row, 0, 0};
+    const std::array<std::int32_t, 2> params{};
+    return kob::KOB_H5Dwrite("res", values, kob::type_code::real, sizeof(double), stored_size, dims.data(), 3,
+                             count.data(), start.data(), kob::access_mode::block, file, 0, params.data(),
+                             {.origin = kob::Origin::first});
+}
+
+} // namespace
+
+TEST_F(RowChunks, A_chunk_for_each_row_is_told_once_two_rows_are_there)
+{
+    const Hid dataset = create({1, 3, width});
+    EXPECT_FALSE(kob::has_row_chunks(dataset, row_bytes));
+    write_rows(dataset, 0, 1);
+    EXPECT_FALSE(kob::has_row_chunks(dataset, row_bytes));
+    write_rows(dataset, 1, 1);
+    EXPECT_TRUE(kob::has_row_chunks(dataset, row_bytes));
+    write_rows(dataset, 2, 40);
+    EXPECT_TRUE(kob::has_row_chunks(dataset, row_bytes));
+    EXPECT_FALSE(kob::has_row_chunks(dataset, row_bytes / 2));
+}
+
+TEST_F(RowChunks, Chunks_of_a_rows_size_that_hold_parts_of_two_rows_are_none)
+{
+    const Hid dataset = create({2, 3, width / 2});
+    write_rows(dataset, 0, 6);
+    EXPECT_FALSE(kob::has_row_chunks(dataset, row_bytes));
+}
+
+TEST_F(RowChunks, Parts_of_rows_and_several_rows_are_none)
+{
+    for (const Extents& chunk : {Extents{1, 3, width / 2}, Extents{1, 1, width}, Extents{2, 3, width},
+                                 Extents{3, 1, width}, Extents{5, 3, width}}) {
+        const Hid dataset = create(chunk);
+        write_rows(dataset, 0, 12);
+        EXPECT_FALSE(kob::has_row_chunks(dataset, row_bytes)) << chunk[0] << chunk[1] << chunk[2];
+        ASSERT_GE(H5Ldelete(file_, "res", H5P_DEFAULT), 0);
+    }
+}
+
+TEST_F(RowChunks, Without_the_second_row_nothing_is_told)
+{
+    const Hid dataset = create({1, 3, width});
+    write_rows(dataset, 0, 1);
+    write_rows(dataset, 5, 3);
+    EXPECT_FALSE(kob::has_row_chunks(dataset, row_bytes));
+}
+
+TEST_F(RowChunks, A_dataset_in_one_piece_has_none)
+{
+    put_dataset(file_, "one_piece", H5T_NATIVE_DOUBLE, {4, 3, width});
+    const QuietHdf5 quiet;
+    EXPECT_FALSE(kob::has_row_chunks(Hid{H5Dopen2(file_, "one_piece", H5P_DEFAULT)}, row_bytes));
+}
+
+// Every row goes to the dataset as plain HDF5 would have put it, whatever the chunks, the stored type and the filters
+// are: written in any order, over others, and with gaps.
+TEST_F(RowChunks, Rows_of_any_dataset_come_back)
+{
+    struct Case {
+        const char* name;
+        Extents chunk;
+        hid_t type;
+        AddFilters add;
+    };
+    const std::vector<Case> cases{
+        {"rows", {1, 3, width}, H5T_NATIVE_DOUBLE, no_filters},
+        {"two half rows", {2, 3, width / 2}, H5T_NATIVE_DOUBLE, no_filters},
+        {"three third rows", {3, 1, width}, H5T_NATIVE_DOUBLE, no_filters},
+        {"half rows", {1, 3, width / 2}, H5T_NATIVE_DOUBLE, no_filters},
+        {"several rows", {4, 3, width}, H5T_NATIVE_DOUBLE, no_filters},
+        {"big-endian rows", {1, 3, width}, H5T_IEEE_F64BE, no_filters},
+        {"rows of 4-byte numbers", {1, 3, width}, H5T_NATIVE_FLOAT, no_filters},
+        {"two rows of 4-byte numbers", {2, 3, width}, H5T_NATIVE_FLOAT, no_filters},
+        {"shuffled rows", {1, 3, width}, H5T_NATIVE_DOUBLE, shuffle},
+        {"rows with checksums", {1, 3, width}, H5T_NATIVE_DOUBLE, fletcher},
+        {"deflated rows", {1, 3, width}, H5T_NATIVE_DOUBLE, optional_deflate},
+    };
+    const QuietHdf5 quiet;
+    Dice dice{4711};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        std::map<std::size_t, std::vector<double>> rows;
+        std::size_t extent = 2;
+        {
+            const Hid dataset = create(c.chunk, c.type, c.add);
+            write_rows(dataset, 0, 2);
+            rows[0] = rows[1] = std::vector<double>(row_elements, 1.5);
+        }
+        for (int i = 0; i < 60; ++i) {
+            const std::size_t row = dice.between(0, 39);
+            std::vector<double> values(row_elements);
+            for (double& value : values) value = static_cast<double>(dice.between(0, 1U << 20U)); // exact in 4 bytes
+            ASSERT_EQ(write_row(file_, static_cast<std::int64_t>(row), values.data(), sizeof(double)), 0);
+            rows[row] = values;
+            extent = std::max(extent, row + 1);
+        }
+        ASSERT_EQ(stored_extents(file_, "res"), (Extents{extent, 3, width}));
+        const std::vector<double> stored = stored_reals(file_, "res");
+        for (std::size_t row = 0; row < extent; ++row) {
+            const auto first = stored.begin() + static_cast<std::ptrdiff_t>(row * row_elements);
+            const std::vector<double> expected =
+                rows.contains(row) ? rows[row] : std::vector<double>(row_elements, 0.0);
+            EXPECT_EQ((std::vector<double>{first, first + row_elements}), expected) << "row " << row;
+        }
+        ASSERT_GE(H5Ldelete(file_, "res", H5P_DEFAULT), 0);
+    }
+}
+
+TEST_F(RowChunks, A_row_lies_in_the_file_as_HDF5_would_have_put_it)
+{
+    {
+        const Hid dataset = create({1, 3, width});
+        write_rows(dataset, 0, 2);
+    }
+    std::vector<double> values(row_elements);
+    for (std::size_t i = 0; i < row_elements; ++i) values[i] = 0.25 * static_cast<double>(i) - 1;
+    ASSERT_EQ(write_row(file_, 2, values.data(), sizeof(double)), 0);
+    const RawChunk chunk = raw_chunk(Hid{H5Dopen2(file_, "res", H5P_DEFAULT)}, {2, 0, 0});
+    EXPECT_EQ(chunk.filter_mask, 0U);
+    ASSERT_EQ(chunk.bytes.size(), row_bytes);
+    std::vector<double> stored(row_elements);
+    std::memcpy(stored.data(), chunk.bytes.data(), row_bytes);
+    EXPECT_EQ(stored, values);
+}
+
+// A chunk that the process holds in a cache of its own is not the last word.
+TEST_F(RowChunks, A_row_that_somebody_holds_in_HDF5s_cache_is_replaced)
+{
+    const Hid held = create({1, 3, width});
+    write_rows(held, 0, 3);
+    std::vector<double> values(row_elements, 7.0);
+    ASSERT_EQ(write_row(file_, 1, values.data(), sizeof(double)), 0);
+    std::vector<double> seen(row_elements);
+    ASSERT_GE(read_block(held, H5T_NATIVE_DOUBLE, {{1, 0, 0}, {1, 3, width}}, seen.data()), 0);
+    EXPECT_EQ(seen, values);
+}
