@@ -533,8 +533,13 @@ std::int32_t KOB_H5Dread(const char* name, void* data, std::int32_t kob_type, st
         }
     }
 
+    const bool is_filtered = may_have_filters(dataset.get());
     if (filter_flags != nullptr && filter_params != nullptr) {
-        if (const Refusal refusal = report_filters(dataset.get(), kob_type, *filter_flags, filter_params)) {
+        *filter_flags = 0;
+        std::fill_n(filter_params, 2, 0);
+        const Refusal refusal =
+            is_filtered ? report_filters(dataset.get(), kob_type, *filter_flags, filter_params) : Refusal{};
+        if (refusal) {
             return refuse(refusal.condition, refusal.quantity);
         }
     }
@@ -548,7 +553,7 @@ std::int32_t KOB_H5Dread(const char* name, void* data, std::int32_t kob_type, st
     }
     const hid_t transferred = kob_type == type_code::text ? stored.get() : memory;
     const ChunkTransfer chunks =
-        may_have_filters(dataset.get()) ? chosen.read_chunks(dataset.get(), transferred, data) : ChunkTransfer::left;
+        is_filtered ? chosen.read_chunks(dataset.get(), transferred, data) : ChunkTransfer::left;
     const herr_t result = chunks != ChunkTransfer::left ? chunk_result(chunks)
                           : mode == access_mode::whole
                               ? read_whole(dataset.get(), stored.get(), transferred, data)

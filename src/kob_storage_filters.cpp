@@ -181,12 +181,6 @@ bool may_have_filters(hid_t dataset) noexcept
 Refusal report_filters(hid_t dataset, std::int32_t kob_type, std::int32_t& filter_flags, std::int32_t* filter_params)
 {
     using namespace dataset_read;
-    filter_flags = 0;
-    filter_params[0] = 0;
-    filter_params[1] = 0;
-    if (!may_have_filters(dataset)) {
-        return {};
-    }
     const Id properties{H5Dget_create_plist(dataset), H5Pclose};
     const int filters = H5Pget_nfilters(properties.get());
     const FilterBits bits = filter_bits(kob_type);

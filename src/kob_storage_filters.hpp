@@ -64,7 +64,7 @@ hsize_t chunk_extent(hsize_t extent) noexcept;
 /// Has the dataset's header a filter message? Most have none, and that is much quicker to learn than a property list.
 bool may_have_filters(hid_t dataset) noexcept;
 
-/// The filters of a stored dataset as flags and parameters.
+/// The filters of a dataset that may have some, set in flags and parameters that are zero before.
 Refusal report_filters(hid_t dataset, std::int32_t kob_type, std::int32_t& filter_flags, std::int32_t* filter_params);
 
 } // namespace kob
