@@ -1,142 +1,19 @@
 // SPDX-License-Identifier: BSD-3-Clause
-// Result blocks of many states: the static part is written once, states are rows of growing datasets.
-//
-// Rows are absolute: a write names the rows it goes to, whatever the series holds by then, and never shrinks it.
-#include "kob_results.hpp"
-
+// Entity results of many states.
 #include "kob_dp.h"
 #include "kob_group_links.hpp"
+#include "kob_multi_state.hpp"
+#include "kob_results.hpp"
 
 #include <algorithm>
 #include <optional>
 #include <utility>
+#include <vector>
 
 namespace kob {
 namespace {
 
 constexpr std::int32_t real_memory_bit = 1024; // the caller's floating arrays are 4-byte floats
-
-/// The states of a series.
-template <class Io> struct SeriesIndex {
-    Arg<Io, std::int32_t> nindex;
-    Arg<Io, std::int32_t> nstate;     ///< states held; the Writer computes it
-    Arg<Io, std::int32_t> indexident; ///< [nstate, nindex]
-    Reals<Io> indexval;               ///< [nstate, nindex]
-    const char* states_of = "res";    ///< the dataset whose leading extent is the number of states
-};
-
-template <class Io> void attributes(Io& io, const SeriesIndex<Io>& index)
-{
-    io.integer("nindex", index.nindex);
-    if constexpr (!Io::writes) {
-        io.states("nstate", index.nstate, index.states_of);
-    }
-}
-
-template <class Io> void values(Io& io, const SeriesIndex<Io>& index, const Extent& states, const Part& part)
-{
-    if (!io.ok()) {
-        return;
-    }
-    io.enter(Where::index);
-    io.integers("indexident", index.indexident, {states, *index.nindex}, part);
-    io.exact_reals("indexval", index.indexval, {states, *index.nindex}, part);
-    io.enter(Where::data);
-}
-
-void values(Reader& io, const SeriesIndex<Reader>& index)
-{
-    if (io.ok()) {
-        values(io, index, *index.nstate, Part{});
-    }
-}
-
-/// A run of rows of the state index.
-template <class Io> void rows(Io& io, const SeriesIndex<Io>& index, std::int64_t first, std::int64_t count)
-{
-    const std::array<std::int64_t, 2> counts{count, *index.nindex};
-    const std::array<std::int64_t, 2> start{first, 0};
-    if (counts[1] != 0) {
-        values(io, index, Extent::growing(), {access_mode::block, counts.data(), start.data(), Origin::first});
-    }
-}
-
-/// States 0 to n - 1 of a dataset whose states are tables of the given shape.
-class LeadingStates {
-public:
-    LeadingStates(std::int64_t states, const Shape& table) : shape_{Extent::growing()}, count_{states}
-    {
-        for (std::int32_t i = 0; i < table.rank(); ++i) {
-            append(static_cast<std::int64_t>(table.dims()[i]));
-        }
-    }
-
-    [[nodiscard]] const Shape& shape() const { return shape_; }
-    [[nodiscard]] Part part() const { return {access_mode::block, count_.data(), start_.data(), Origin::first}; }
-
-    /// One state instead, at a row of its own.
-    void move_to(std::int64_t row)
-    {
-        count_[0] = 1;
-        start_[0] = row;
-    }
-
-private:
-    void append(std::int64_t extent)
-    {
-        count_[static_cast<std::size_t>(shape_.rank())] = extent;
-        shape_.append(extent);
-    }
-
-    Shape shape_;
-    std::array<std::int64_t, 6> count_;
-    std::array<std::int64_t, 6> start_{};
-};
-
-/// Opens the number of states that a series says it holds.
-std::int32_t open_nstate(Writer& io, Id& nstate, Report report)
-{
-    const hsize_t one = 1;
-    return KOB_H5Aread("nstate", nullptr, type_code::integer, sizeof(std::int32_t), &one, 0, io.place(Where::header),
-                       nullptr, report, nullptr, &nstate);
-}
-
-/// Ends a write of states: rewrites "nstate", or gives a new series its first value, and returns what it is then. A
-/// write that failed behind its index rows takes those back that have no values: a series with more of the ones than
-/// of the others is unreadable. `opened` is "nstate" of a series that has one.
-std::int32_t end_states(Writer& io, const char* values, bool is_new, Id opened = {})
-{
-    std::int32_t nstate = 0;
-    const std::int64_t held = io.leading_extent();
-    if (io.ok() && held > 0) {
-        nstate = static_cast<std::int32_t>(std::min<std::int64_t>(held, INT32_MAX));
-    } else if (opened) {
-        H5Aread(opened.get(), H5T_NATIVE_INT, &nstate);
-    }
-    if (!io.ok()) {
-        const std::int64_t rows = count_rows(io.place(Where::data), values);
-        if (rows >= 0 || is_new) {
-            cut_rows(io.place(Where::index), "indexident", std::max<std::int64_t>(rows, 0));
-            cut_rows(io.place(Where::index), "indexval", std::max<std::int64_t>(rows, 0));
-        }
-    } else if (opened && held > 0) {
-        io.rewrite("nstate", nstate, std::move(opened));
-    } else if (is_new || held > 0) {
-        io.integer("nstate", &nstate);
-    }
-    return nstate;
-}
-
-/// A negative number of states is refused before anything is created.
-bool refuse_negative(std::int32_t states, const BlockKind& kind)
-{
-    if (states < 0) {
-        report_error(message::writing_name, kind.name);
-    }
-    return states < 0;
-}
-
-// ---- entity results
 
 /// A table of one variable for every state of a series.
 template <class Io> struct MultiEntityResults {
@@ -268,22 +145,6 @@ StateRequest request_of(std::int32_t state, std::int32_t mode, const std::int64_
     const Part part = one_state.part();
     return {state, part.mode, part.count, part.start};
 }
-
-/// Where a series goes.
-struct SeriesPlace {
-    Location group;
-    const char* series;
-    const char* etyp;
-    const char* etypvar;
-    const char* etypzone;
-    const std::int32_t* zoneid;
-    const std::int32_t* set;
-
-    [[nodiscard]] BlockPath path(const BlockKind& kind) const
-    {
-        return {{multi_state}, {series, kind.name, etyp, etypvar, etypzone}, value(zoneid), value(set)};
-    }
-};
 
 /// Writes states by the caller's state argument; mode and selection stand in for its one state.
 std::int32_t write_results(const SeriesPlace& to, const MultiEntityResults<Writer>& b, std::int32_t state,
@@ -424,116 +285,6 @@ std::int32_t read_pieces(Location block, std::int32_t pass, const MultiEntityRes
     return read_series(io, wanted.sections, b, filter_flags, filter_params, one_state.part());
 }
 
-// ---- element results
-
-/// A table of one variable with several locations in each element, for every state of a series.
-template <class Io> struct MultiElementResults {
-    Arg<Io, char> series;
-    ElementTable<Io> table;
-    SeriesIndex<Io> index;
-    Arg<Io, double> res; ///< [nstate, nele, numl, ncoo(, 2)]
-};
-
-template <class Io> void attributes(Io& io, const MultiElementResults<Io>& b)
-{
-    io.text("series", b.series);
-    attributes(io, b.table);
-    attributes(io, b.index);
-}
-
-std::int32_t write_results(const SeriesPlace& to, const MultiElementResults<Writer>& b, std::int32_t states,
-                           const Filters& filters, std::int32_t value_size)
-{
-    const BlockKind& kind = kind::multi_element_results;
-    if (refuse_negative(states, kind)) {
-        return invalid_mode;
-    }
-    const ValueSize size = value_size_of(value_size);
-    return write_open_block(to.group, kind, to.path(kind), filters, size.stored, [&](Writer& io, const Placed& placed) {
-        if (placed.is_new()) {
-            io.frame(kind, kind.key_of(size.complex));
-            attributes(io, b);
-            identifiers(io, b.table);
-            io.forget_extent();
-        }
-        if (io.ok() && states > 0) {
-            const Shape table{*b.table.nele, *b.table.numl, *b.table.ncoo};
-            const LeadingStates leading{states, table.with_parts(size.complex)};
-            rows(io, b.index, 0, states);
-            io.reals("res", b.res.get(), leading.shape(), leading.part());
-        }
-        end_states(io, "res", placed.is_new());
-    });
-}
-
-std::int32_t read_results(Location block, std::int32_t pass, const MultiElementResults<Reader>& b,
-                          std::int32_t* filter_flags, std::int32_t* filter_params)
-{
-    const auto read_values = [&](Reader& io) {
-        identifiers(io, b.table);
-        if (io.ok()) {
-            const Shape shape{*b.index.nstate, *b.table.nele, *b.table.numl, *b.table.ncoo};
-            io.reals("res", b.res.get(), shape.with_parts(io.is_complex()));
-        }
-    };
-    return read_passes_of_two_keys(block, kind::multi_element_results, b, pass, read_values, filter_flags,
-                                   filter_params);
-}
-
-// ---- activation flags
-
-/// Which entities of one type are active, for every state of a series.
-template <class Io> struct MultiActivationFlags {
-    Arg<Io, char> series;
-    Arg<Io, char> etyp;
-    Arg<Io, std::int32_t> nent;
-    SeriesIndex<Io> index;
-    Arg<Io, std::int32_t> entid; ///< [nent]
-    Arg<Io, std::int32_t> flags; ///< [nstate, nent], stored as "status"
-};
-
-template <class Io> void attributes(Io& io, const MultiActivationFlags<Io>& b)
-{
-    io.text("series", b.series);
-    io.text("etyp", b.etyp);
-    io.integer("nent", b.nent);
-    attributes(io, b.index);
-}
-
-template <class Io> void values(Io& io, const MultiActivationFlags<Io>& b)
-{
-    if (io.ok()) {
-        io.integers("entid", b.entid, {*b.nent});
-    }
-    if (io.ok()) {
-        io.integers("status", b.flags, {*b.index.nstate, *b.nent});
-    }
-}
-
-std::int32_t write_flags(Location group, const char* series, const char* etyp, const MultiActivationFlags<Writer>& b,
-                         std::int32_t states, const Filters& filters, std::size_t float_size)
-{
-    const BlockKind& kind = kind::multi_activation_flags;
-    if (refuse_negative(states, kind)) {
-        return invalid_mode;
-    }
-    return write_open_block(group, kind, {{multi_state}, {series, kind.name, etyp}}, filters, float_size,
-                            [&](Writer& io, const Placed& placed) {
-                                if (placed.is_new()) {
-                                    io.frame(kind, kind.key);
-                                    attributes(io, b);
-                                    io.integers("entid", b.entid, {*b.nent});
-                                    io.forget_extent();
-                                }
-                                if (io.ok() && states > 0) {
-                                    const LeadingStates leading{states, {*b.nent}};
-                                    rows(io, b.index, 0, states);
-                                    io.integers("status", b.flags, leading.shape(), leading.part());
-                                }
-                                end_states(io, "status", placed.is_new());
-                            });
-}
-
 } // namespace
 } // namespace kob
 
@@ -670,74 +421,6 @@ void KOB_READ_MULTIENTITYRESULTS2(const int64_t* block, const int32_t* sections,
     });
 }
 
-void KOB_WRITE_MULTIELEMENTRESULTS(const int64_t* group, const char* series, const char* etypelem, const int32_t* nele,
-                                   const char* etypvar, const int32_t* ncoo, const int32_t* numl, const int32_t* ndim,
-                                   const char* etypzone, const int32_t* zoneid, const char* etypframe,
-                                   const int32_t* fswitch, const int32_t* dmpswitch, const int32_t* nindex,
-                                   const int32_t* indexident, const double* indexval, const int32_t* idele,
-                                   const int32_t* fidglob, const int32_t* fid, const double* eloc,
-                                   const char* operator_, const double* weight, const double* res, const int32_t* set,
-                                   const int32_t* n, const int32_t* filter_flags, const int32_t* filter_params,
-                                   const int32_t* value_size, int32_t* status)
-{
-    using namespace kob;
-    entry(status, [&] {
-        const MultiElementResults<Writer> b{series,
-                                            {etypelem, nele, etypvar, ncoo, numl, ndim, etypzone, zoneid, etypframe,
-                                             fswitch, dmpswitch, idele, fidglob, fid, eloc, operator_, weight},
-                                            {nindex, nullptr, indexident, indexval},
-                                            res};
-        return write_results({value(group), series, etypelem, etypvar, etypzone, zoneid, set}, b, value(n),
-                             {filter_flags, filter_params}, value(value_size));
-    });
-}
-
-void KOB_READ_MULTIELEMENTRESULTS(const int64_t* block, const int32_t* pass, char* series, char* etypelem,
-                                  int32_t* nele, char* etypvar, int32_t* ncoo, int32_t* numl, int32_t* ndim,
-                                  char* etypzone, int32_t* zoneid, char* etypframe, int32_t* fswitch,
-                                  int32_t* dmpswitch, int32_t* nindex, int32_t* nstate, int32_t* indexident,
-                                  double* indexval, int32_t* idele, int32_t* fidglob, int32_t* fid, double* eloc,
-                                  char* operator_, double* weight, double* res, int32_t* filter_flags,
-                                  int32_t* filter_params, int32_t* status)
-{
-    using namespace kob;
-    entry(status, [&] {
-        const MultiElementResults<Reader> b{series,
-                                            {etypelem, nele, etypvar, ncoo, numl, ndim, etypzone, zoneid, etypframe,
-                                             fswitch, dmpswitch, idele, fidglob, fid, eloc, operator_, weight},
-                                            {nindex, nstate, indexident, indexval},
-                                            res};
-        return read_results(value(block), value(pass), b, filter_flags, filter_params);
-    });
-}
-
-void KOB_WRITE_MULTIACTIVFLAGS(const int64_t* group, const char* series, const char* etyp, const int32_t* nent,
-                               const int32_t* nindex, const int32_t* indexident, const double* indexval,
-                               const int32_t* entid, const int32_t* flags, const int32_t* n,
-                               const int32_t* filter_flags, const int32_t* filter_params, const int32_t* float_size,
-                               int32_t* status)
-{
-    using namespace kob;
-    entry(status, [&] {
-        const MultiActivationFlags<Writer> b{series, etyp, nent, {nindex, nullptr, indexident, indexval}, entid, flags};
-        return write_flags(value(group), series, etyp, b, value(n), {filter_flags, filter_params},
-                           stored_float(float_size));
-    });
-}
-
-void KOB_READ_MULTIACTIVFLAGS(const int64_t* block, const int32_t* pass, char* series, char* etyp, int32_t* nent,
-                              int32_t* nindex, int32_t* nstate, int32_t* indexident, double* indexval, int32_t* entid,
-                              int32_t* flags, int32_t* filter_flags, int32_t* filter_params, int32_t* status)
-{
-    using namespace kob;
-    entry(status, [&] {
-        const MultiActivationFlags<Reader> b{series, etyp, nent, {nindex, nstate, indexident, indexval, "status"},
-                                             entid,  flags};
-        return read_passes(value(block), kind::multi_activation_flags, b, value(pass), filter_flags, filter_params,
-                           "status");
-    });
-}
-
 // ---- older layout
 
 void KOB1_WRITE_MULTIENTITYRESULTS(const int64_t* group, const char* series, const char* etyp, const int32_t* nent,
@@ -868,74 +551,6 @@ void KOB1_READ_MULTIENTITYRESULTS2(const int64_t* block, const int32_t* sections
         b.set_memory_size(static_cast<std::size_t>(value(memory_size)));
         Reader io{older(block), kind::multi_entity_results};
         return read_series(io, value(sections), b, filter_flags, filter_params, {value(mode), count, start});
-    });
-}
-
-void KOB1_WRITE_MULTIELEMENTRESULTS(const int64_t* group, const char* series, const char* etypelem, const int32_t* nele,
-                                    const char* etypvar, const int32_t* ncoo, const int32_t* numl, const int32_t* ndim,
-                                    const char* etypzone, const int32_t* zoneid, const char* etypframe,
-                                    const int32_t* fswitch, const int32_t* dmpswitch, const int32_t* nindex,
-                                    const int32_t* indexident, const double* indexval, const int32_t* idele,
-                                    const int32_t* fidglob, const int32_t* fid, const double* eloc,
-                                    const char* operator_, const double* weight, const double* res, const int32_t* set,
-                                    const int32_t* n, const int32_t* filter_flags, const int32_t* filter_params,
-                                    const int32_t* value_size, int32_t* status)
-{
-    using namespace kob;
-    entry(status, [&] {
-        const MultiElementResults<Writer> b{series,
-                                            {etypelem, nele, etypvar, ncoo, numl, ndim, etypzone, zoneid, etypframe,
-                                             fswitch, dmpswitch, idele, fidglob, fid, eloc, operator_, weight},
-                                            {nindex, nullptr, indexident, indexval},
-                                            res};
-        return write_results({older(group), series, etypelem, etypvar, etypzone, zoneid, set}, b, value(n),
-                             {filter_flags, filter_params}, value(value_size));
-    });
-}
-
-void KOB1_READ_MULTIELEMENTRESULTS(const int64_t* block, const int32_t* pass, char* series, char* etypelem,
-                                   int32_t* nele, char* etypvar, int32_t* ncoo, int32_t* numl, int32_t* ndim,
-                                   char* etypzone, int32_t* zoneid, char* etypframe, int32_t* fswitch,
-                                   int32_t* dmpswitch, int32_t* nindex, int32_t* nstate, int32_t* indexident,
-                                   double* indexval, int32_t* idele, int32_t* fidglob, int32_t* fid, double* eloc,
-                                   char* operator_, double* weight, double* res, int32_t* filter_flags,
-                                   int32_t* filter_params, int32_t* status)
-{
-    using namespace kob;
-    entry(status, [&] {
-        const MultiElementResults<Reader> b{series,
-                                            {etypelem, nele, etypvar, ncoo, numl, ndim, etypzone, zoneid, etypframe,
-                                             fswitch, dmpswitch, idele, fidglob, fid, eloc, operator_, weight},
-                                            {nindex, nstate, indexident, indexval},
-                                            res};
-        return read_results(older(block), value(pass), b, filter_flags, filter_params);
-    });
-}
-
-void KOB1_WRITE_MULTIACTIVFLAGS(const int64_t* group, const char* series, const char* etyp, const int32_t* nent,
-                                const int32_t* nindex, const int32_t* indexident, const double* indexval,
-                                const int32_t* entid, const int32_t* flags, const int32_t* n,
-                                const int32_t* filter_flags, const int32_t* filter_params, const int32_t* float_size,
-                                int32_t* status)
-{
-    using namespace kob;
-    entry(status, [&] {
-        const MultiActivationFlags<Writer> b{series, etyp, nent, {nindex, nullptr, indexident, indexval}, entid, flags};
-        return write_flags(older(group), series, etyp, b, value(n), {filter_flags, filter_params},
-                           stored_float(float_size));
-    });
-}
-
-void KOB1_READ_MULTIACTIVFLAGS(const int64_t* block, const int32_t* pass, char* series, char* etyp, int32_t* nent,
-                               int32_t* nindex, int32_t* nstate, int32_t* indexident, double* indexval, int32_t* entid,
-                               int32_t* flags, int32_t* filter_flags, int32_t* filter_params, int32_t* status)
-{
-    using namespace kob;
-    entry(status, [&] {
-        const MultiActivationFlags<Reader> b{series, etyp, nent, {nindex, nstate, indexident, indexval, "status"},
-                                             entid,  flags};
-        return read_passes(older(block), kind::multi_activation_flags, b, value(pass), filter_flags, filter_params,
-                           "status");
     });
 }
 
