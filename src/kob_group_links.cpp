@@ -58,7 +58,13 @@ Id GroupLinks::open(const char* name) const noexcept
     if (!link->is_hard) {
         return {H5Dopen2(group_, name, H5P_DEFAULT), H5Dclose};
     }
-    return {H5Oopen_by_token(group_, link->target), H5Oclose};
+    Id object{H5Oopen_by_token(group_, link->target), H5Oclose};
+    if (H5Iget_type(object.get()) != H5I_DATASET) {
+        return {};
+    }
+    // A close that fails on a full disk gives the identifier back all the same; H5Oclose would keep it, of a dataset
+    // that is gone.
+    return {object.release(), H5Dclose};
 }
 
 } // namespace kob

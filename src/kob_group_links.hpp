@@ -25,7 +25,7 @@ public:
     /// Is there a link of one of the names?
     [[nodiscard]] bool has(const char* name) const noexcept { return find(name) != nullptr; }
 
-    /// Opens what a link of one of the names leads to: a dataset in a file that is in order.
+    /// Opens the dataset that a link of one of the names leads to.
     [[nodiscard]] Id open(const char* name) const noexcept;
 
 private:

@@ -2,12 +2,19 @@
 // Links of a group found in one look.
 #include "kob_group_links.hpp"
 
+#include "kob_storage.hpp"
+
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstdint>
 #include <string>
 
+#include "support/captured_stream.hpp"
 #include "support/chunked_dataset.hpp"
+#include "support/file_size_limit.hpp"
 #include "support/hdf5_file.hpp"
+#include "support/identifiers.hpp"
 #include "support/temp_file.hpp"
 
 using namespace kob_test;
@@ -70,6 +77,19 @@ TEST_F(Links, Soft_links_are_followed)
     EXPECT_FALSE(links.open("entid"));
 }
 
+TEST_F(Links, What_is_no_dataset_is_there_but_does_not_open)
+{
+    create_group(file_, "res");
+    const Hid type{H5Tcopy(H5T_NATIVE_INT)};
+    ASSERT_GE(H5Tcommit2(file_, "entid", type, H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT), 0);
+    const GroupLinks links{file_, {"res", "entid"}};
+    const QuietHdf5 quiet;
+    for (const char* name : {"res", "entid"}) {
+        EXPECT_TRUE(links.has(name));
+        EXPECT_EQ(left_open_by([&] { EXPECT_FALSE(links.open(name)); }), "");
+    }
+}
+
 TEST_F(Links, A_group_of_many_links_is_left_to_searches_by_name)
 {
     for (int i = 0; i < 40; ++i) put(file_, "a" + std::to_string(i));
@@ -95,4 +115,29 @@ TEST_F(Links, No_group_is_not_known)
 {
     const QuietHdf5 quiet;
     EXPECT_FALSE((GroupLinks{H5I_INVALID_HID, {"res"}}.knows(H5I_INVALID_HID)));
+}
+
+// HDF5 keeps the values in its buffer until the close, which is where it learns of the full disk. The dataset is closed
+// all the same.
+TEST_F(Links, A_dataset_that_a_full_disk_fails_to_close_is_not_left_open)
+{
+    put(file_, "res");
+    const GroupLinks links{file_, {"res"}};
+    const std::array<std::int32_t, 3> values{1, 2, 3};
+    const std::array<hsize_t, 1> dims{3};
+    const std::array<std::int32_t, 2> params{};
+    std::int32_t result = 77;
+    std::string line;
+    const QuietHdf5 quiet;
+    EXPECT_EQ(left_open_by([&] {
+                  const FileSizeLimit limit{100};
+                  line = errors_of([&] {
+                      result = kob::KOB_H5Dwrite("res", values.data(), kob::type_code::integer, 4, 4, dims.data(), 1,
+                                                 nullptr, nullptr, kob::access_mode::whole, file_, 0, params.data(),
+                                                 {.links = &links});
+                  });
+              }),
+              "");
+    EXPECT_EQ(result, -3999);
+    EXPECT_EQ(line.rfind("KOB INTERNAL ERROR (999) in KOB_H5Dwrite - ", 0), 0U) << line;
 }

@@ -5,10 +5,7 @@
 #include <gtest/gtest.h>
 #include <kob_dp.h>
 
-#include <sys/resource.h>
-
 #include <array>
-#include <csignal>
 #include <cstdint>
 #include <fstream>
 #include <iterator>
@@ -20,6 +17,7 @@
 #include <vector>
 
 #include "support/captured_stream.hpp"
+#include "support/file_size_limit.hpp"
 #include "support/hdf5_file.hpp"
 #include "support/layout.hpp"
 #include "support/temp_file.hpp"
@@ -187,29 +185,6 @@ private:
     std::optional<Hid> file_;
     H5E_auto2_t printer_ = nullptr;
     void* printer_data_ = nullptr;
-};
-
-/// While it lives, no file of this process may grow beyond a size: writing fails as on a full disk.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t bytes)
-    {
-        getrlimit(RLIMIT_FSIZE, &before_);
-        handler_ = std::signal(SIGXFSZ, SIG_IGN);
-        const rlimit limit{bytes, before_.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit()
-    {
-        setrlimit(RLIMIT_FSIZE, &before_);
-        std::signal(SIGXFSZ, handler_);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-private:
-    rlimit before_{};
-    void (*handler_)(int) = SIG_DFL;
 };
 
 class StorageTypes : public Storage {};
