@@ -29,10 +29,12 @@ std::string_view up_to_nul(const char* text, std::int32_t length) noexcept
 std::string_view trimmed(const char* text, std::int32_t length) noexcept
 {
     std::string_view view = up_to_nul(text, length);
-    // Most of a field are blanks: a word of them at a time.
-    constexpr std::string_view blanks{"        "};
-    while (view.ends_with(blanks)) {
-        view.remove_suffix(blanks.size());
+    // Most of a field are blanks: many at a time, then a word of them.
+    constexpr std::string_view blanks{"                                "};
+    for (const std::size_t size : {blanks.size(), std::size_t{8}}) {
+        while (view.ends_with(blanks.substr(0, size))) {
+            view.remove_suffix(size);
+        }
     }
     while (!view.empty() && !is_graphic(view.back())) {
         view.remove_suffix(1);
