@@ -303,7 +303,7 @@ private:
             is_outgrown_ = true;
         }
         elements_ = product(extents);
-        leading_extent_ = shape_.extents[0];
+        leading_extent_ = used > 0 ? extents[0] : 0;
         is_filtered_ = may_have_filters(dataset_.get());
         is_row_ = selection_.is_row(extents, {shape_.maximum.data(), used});
         return 0;

@@ -925,6 +925,23 @@ TEST_F(DatasetWriter, A_full_disk_that_shows_only_at_the_close_is_999)
     EXPECT_EQ(outcome, (Outcome{-3999, call.write_line(999)}));
 }
 
+TEST_F(DatasetWriter, A_scalar_has_no_leading_extent)
+{
+    const auto values = numbers(5);
+    const std::array<std::int32_t, 2> params{};
+    const auto leading_extent = [&](const char* name, hsize_t dims, std::int32_t rank) {
+        hsize_t extent = 77;
+        EXPECT_EQ(kob::KOB_H5Dwrite(name, values.data(), integer, 4, 4, &dims, rank, nullptr, nullptr, 0, at(), 0,
+                                    params.data(), {.leading_extent = &extent}),
+                  0);
+        return extent;
+    };
+    for (const char* is : {"new", "there"}) {
+        EXPECT_EQ(leading_extent("row", 5, 1), 5U) << is;
+        EXPECT_EQ(leading_extent("scalar", 1, 0), 0U) << is;
+    }
+}
+
 // Datasets: blocks
 
 TEST_F(DatasetWriter, A_block_of_a_fixed_dataset_creates_the_whole_and_leaves_the_rest_at_the_fill_value)
