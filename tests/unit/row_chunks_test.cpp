@@ -10,9 +10,12 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <fstream>
 #include <functional>
+#include <iterator>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/chunked_dataset.hpp"
@@ -61,6 +64,12 @@ void write_rows(hid_t dataset, hsize_t first, hsize_t count)
     grow(dataset, first + count);
     const std::vector<double> values(static_cast<std::size_t>(count) * row_elements, 1.5);
     ASSERT_GE(write_block(dataset, H5T_NATIVE_DOUBLE, {{first, 0, 0}, {count, 3, width}}, values.data()), 0);
+}
+
+std::string file_bytes(const std::string& path)
+{
+    std::ifstream in{path, std::ios::binary};
+    return {std::istreambuf_iterator<char>{in}, {}};
 }
 
 /// Writes one row with the library, as a series is written.
@@ -114,6 +123,37 @@ TEST_F(RowChunks, Without_the_second_row_nothing_is_told)
     write_rows(dataset, 0, 1);
     write_rows(dataset, 5, 3);
     EXPECT_FALSE(kob::has_row_chunks(dataset, row_bytes));
+}
+
+// The sizes in the index of a damaged file are not those of the chunks, which HDF5 never asks it for.
+TEST_F(RowChunks, An_index_that_calls_half_rows_rows_is_not_believed)
+{
+    std::vector<double> half(row_elements / 2, 1.5);
+    {
+        const Hid dataset = create({1, 3, width / 2}, H5T_NATIVE_DOUBLE, no_filters, 2);
+        for (hsize_t row = 0; row < 2; ++row) {
+            ASSERT_GE(write_block(dataset, H5T_NATIVE_DOUBLE, {{row, 0, 0}, {1, 3, width / 2}}, half.data()), 0);
+        }
+    }
+    {
+        const Hid closed = std::move(file_);
+    }
+    std::string bytes = file_bytes(path_.path());
+    const std::string half_without_mask{"\x30\0\0\0\0\0\0\0", 8}; // 48 bytes, and no filters left out
+    int keys = 0;
+    for (std::size_t at = bytes.find("TREE\1"); (at = bytes.find(half_without_mask, at)) != std::string::npos; ++keys) {
+        bytes[at] = static_cast<char>(row_bytes);
+    }
+    EXPECT_EQ(keys, 2);
+    std::ofstream{path_.path(), std::ios::binary} << bytes;
+    file_ = open_file(path_.path(), H5F_ACC_RDWR);
+    const QuietHdf5 quiet;
+    EXPECT_FALSE(kob::has_row_chunks(Hid{H5Dopen2(file_, "res", H5P_DEFAULT)}, row_bytes));
+    std::vector<double> values(row_elements);
+    for (std::size_t i = 0; i < row_elements; ++i) values[i] = static_cast<double>(i) + 0.5;
+    ASSERT_EQ(write_row(file_, 2, values.data(), sizeof(double)), 0);
+    const std::vector<double> stored = stored_reals(file_, "res");
+    EXPECT_EQ((std::vector<double>{stored.end() - static_cast<std::ptrdiff_t>(row_elements), stored.end()}), values);
 }
 
 TEST_F(RowChunks, A_dataset_in_one_piece_has_none)
