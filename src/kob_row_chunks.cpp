@@ -19,8 +19,8 @@ int note_chunk(const hsize_t* offset, unsigned, haddr_t, hsize_t, void* data)
     return ++chunks.seen == 2 ? H5_ITER_STOP : H5_ITER_CONT;
 }
 
-/// Bytes of a chunk of an unfiltered dataset, by its layout and not by its index, which a damage may have changed; 0
-/// where the chunk that holds the beginning of the second row is not there.
+/// Bytes of the chunk that the second row begins in, by the layout of the dataset and not by the index, which a damage
+/// may have changed; 0 where there is none.
 hsize_t chunk_size(hid_t dataset) noexcept
 {
     const std::array<hsize_t, H5S_MAX_RANK> second_row{1};
@@ -32,13 +32,12 @@ hsize_t chunk_size(hid_t dataset) noexcept
 
 // The creation properties would tell as well, but asking for them costs more than writing a small row. A chunk that
 // begins with row 1 has one row, for chunks begin at multiples of their extents. One of a row's size holds all of it,
-// for HDF5 makes no chunk that is longer than a fixed extent. The size is asked for first: the way to the first chunks
-// can be long where the second row is not there.
-bool has_row_chunks(hid_t dataset, std::size_t row_size) noexcept
+// for HDF5 makes no chunk that is longer than a fixed extent; a row of one element has no parts.
+bool has_row_chunks(hid_t dataset, hsize_t row_elements, std::size_t element_size) noexcept
 {
     FirstChunks chunks;
-    return chunk_size(dataset) == row_size && H5Dchunk_iter(dataset, H5P_DEFAULT, note_chunk, &chunks) >= 0 &&
-           chunks.seen == 2 && chunks.row == 1;
+    return H5Dchunk_iter(dataset, H5P_DEFAULT, note_chunk, &chunks) >= 0 && chunks.seen == 2 && chunks.row == 1 &&
+           (row_elements == 1 || chunk_size(dataset) == row_elements * element_size);
 }
 
 } // namespace kob

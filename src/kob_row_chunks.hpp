@@ -8,8 +8,9 @@
 
 namespace kob {
 
-/// Is each row of `row_size` bytes, and nothing else, a chunk? Asked of an unfiltered dataset whose extents behind the
-/// leading one are fixed; "no" also where that cannot be told, as long as the first two rows are not there.
-bool has_row_chunks(hid_t dataset, std::size_t row_size) noexcept;
+/// Is each row of so many elements, and nothing else, a chunk? Asked of an unfiltered dataset in the old format whose
+/// extents behind the leading one are fixed; "no" also where that cannot be told, as long as the first two rows are not
+/// there.
+bool has_row_chunks(hid_t dataset, hsize_t row_elements, std::size_t element_size) noexcept;
 
 } // namespace kob

@@ -304,8 +304,9 @@ private:
         }
         elements_ = product(extents);
         leading_extent_ = used > 0 ? extents[0] : 0;
-        is_filtered_ = may_have_filters(dataset_.get());
-        is_row_ = selection_.is_row(extents, {shape_.maximum.data(), used});
+        const HeaderFacts header = header_facts(dataset_.get());
+        is_filtered_ = header.may_have_filters;
+        is_row_ = header.has_old_format && selection_.is_row(extents, {shape_.maximum.data(), used});
         return 0;
     }
 
@@ -358,11 +359,8 @@ private:
         return dataset_ ? 0 : refuse(dataset_write::create);
     }
 
-    /// Bytes of a row; the leading extent is not zero.
-    [[nodiscard]] std::size_t row_size() const
-    {
-        return static_cast<std::size_t>(elements_ / leading_extent_) * data_size;
-    }
+    /// Elements of a row; the leading extent is not zero.
+    [[nodiscard]] hsize_t row_elements() const { return elements_ / leading_extent_; }
 
     /// Is it worth a look at the chunks whether they can be handed over as they are?
     [[nodiscard]] bool is_large_block() const
@@ -374,8 +372,10 @@ private:
     std::int32_t transfer(SharedIds& ids)
     {
         using namespace dataset_write;
-        if (is_row_ && is_stored_as_given_ && !is_filtered_ && has_row_chunks(dataset_.get(), row_size())) {
-            return finish(H5Dwrite_chunk(dataset_.get(), H5P_DEFAULT, 0, selection_.first(), row_size(), data));
+        if (is_row_ && is_stored_as_given_ && !is_filtered_ &&
+            has_row_chunks(dataset_.get(), row_elements(), data_size)) {
+            const std::size_t row_size = static_cast<std::size_t>(row_elements()) * data_size;
+            return finish(H5Dwrite_chunk(dataset_.get(), H5P_DEFAULT, 0, selection_.first(), row_size, data));
         }
         if (is_outgrown_ &&
             H5Sset_extent_simple(space_.get(), shape_.rank, shape_.extents.data(), shape_.maximum.data()) < 0) {
@@ -533,7 +533,7 @@ std::int32_t KOB_H5Dread(const char* name, void* data, std::int32_t kob_type, st
         }
     }
 
-    const bool is_filtered = may_have_filters(dataset.get());
+    const bool is_filtered = header_facts(dataset.get()).may_have_filters;
     if (filter_flags != nullptr && filter_params != nullptr) {
         *filter_flags = 0;
         std::fill_n(filter_params, 2, 0);

@@ -170,12 +170,15 @@ Refusal creation_properties(const LayoutRequest& request, SharedIds& shared, Cre
     return {};
 }
 
-bool may_have_filters(hid_t dataset) noexcept
+HeaderFacts header_facts(hid_t dataset) noexcept
 {
     constexpr unsigned filter_message = 11; // its number in HDF5's file format
+    constexpr unsigned old_version = 1;
     H5O_native_info_t info{};
-    return H5Oget_native_info(dataset, &info, H5O_NATIVE_INFO_HDR) < 0 ||
-           (info.hdr.mesg.present & (std::uint64_t{1} << filter_message)) != 0;
+    if (H5Oget_native_info(dataset, &info, H5O_NATIVE_INFO_HDR) < 0) {
+        return {};
+    }
+    return {(info.hdr.mesg.present & (std::uint64_t{1} << filter_message)) != 0, info.hdr.version == old_version};
 }
 
 Refusal report_filters(hid_t dataset, std::int32_t kob_type, std::int32_t& filter_flags, std::int32_t* filter_params)

@@ -61,8 +61,12 @@ Refusal creation_properties(const LayoutRequest& request, SharedIds& shared, Cre
 /// Chunk extent of a fixed dimension of a growable dataset.
 hsize_t chunk_extent(hsize_t extent) noexcept;
 
-/// Has the dataset's header a filter message? Most have none, and that is much quicker to learn than a property list.
-bool may_have_filters(hid_t dataset) noexcept;
+/// What the header of a dataset tells at a glance, much quicker than a property list.
+struct HeaderFacts {
+    bool may_have_filters = true; ///< is there a filter message? Most datasets have none
+    bool has_old_format = false;  ///< that of HDF5 1.6, where an index of chunks holds none but those that are there
+};
+HeaderFacts header_facts(hid_t dataset) noexcept;
 
 /// The filters of a dataset that may have some, set in flags and parameters that are zero before.
 Refusal report_filters(hid_t dataset, std::int32_t kob_type, std::int32_t& filter_flags, std::int32_t* filter_params);

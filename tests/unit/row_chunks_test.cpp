@@ -3,6 +3,7 @@
 #include "kob_row_chunks.hpp"
 
 #include "kob_storage.hpp"
+#include "kob_storage_filters.hpp"
 
 #include <gtest/gtest.h>
 
@@ -89,21 +90,21 @@ std::int32_t write_row(hid_t file, std::int64_t row, const double* values, std::
 TEST_F(RowChunks, A_chunk_for_each_row_is_told_once_two_rows_are_there)
 {
     const Hid dataset = create({1, 3, width});
-    EXPECT_FALSE(kob::has_row_chunks(dataset, row_bytes));
+    EXPECT_FALSE(kob::has_row_chunks(dataset, row_elements, sizeof(double)));
     write_rows(dataset, 0, 1);
-    EXPECT_FALSE(kob::has_row_chunks(dataset, row_bytes));
+    EXPECT_FALSE(kob::has_row_chunks(dataset, row_elements, sizeof(double)));
     write_rows(dataset, 1, 1);
-    EXPECT_TRUE(kob::has_row_chunks(dataset, row_bytes));
+    EXPECT_TRUE(kob::has_row_chunks(dataset, row_elements, sizeof(double)));
     write_rows(dataset, 2, 40);
-    EXPECT_TRUE(kob::has_row_chunks(dataset, row_bytes));
-    EXPECT_FALSE(kob::has_row_chunks(dataset, row_bytes / 2));
+    EXPECT_TRUE(kob::has_row_chunks(dataset, row_elements, sizeof(double)));
+    EXPECT_FALSE(kob::has_row_chunks(dataset, row_elements / 2, sizeof(double)));
 }
 
 TEST_F(RowChunks, Chunks_of_a_rows_size_that_hold_parts_of_two_rows_are_none)
 {
     const Hid dataset = create({2, 3, width / 2});
     write_rows(dataset, 0, 6);
-    EXPECT_FALSE(kob::has_row_chunks(dataset, row_bytes));
+    EXPECT_FALSE(kob::has_row_chunks(dataset, row_elements, sizeof(double)));
 }
 
 TEST_F(RowChunks, Parts_of_rows_and_several_rows_are_none)
@@ -112,7 +113,7 @@ TEST_F(RowChunks, Parts_of_rows_and_several_rows_are_none)
                                  Extents{3, 1, width}, Extents{5, 3, width}}) {
         const Hid dataset = create(chunk);
         write_rows(dataset, 0, 12);
-        EXPECT_FALSE(kob::has_row_chunks(dataset, row_bytes)) << chunk[0] << chunk[1] << chunk[2];
+        EXPECT_FALSE(kob::has_row_chunks(dataset, row_elements, sizeof(double))) << chunk[0] << chunk[1] << chunk[2];
         ASSERT_GE(H5Ldelete(file_, "res", H5P_DEFAULT), 0);
     }
 }
@@ -122,7 +123,7 @@ TEST_F(RowChunks, Without_the_second_row_nothing_is_told)
     const Hid dataset = create({1, 3, width});
     write_rows(dataset, 0, 1);
     write_rows(dataset, 5, 3);
-    EXPECT_FALSE(kob::has_row_chunks(dataset, row_bytes));
+    EXPECT_FALSE(kob::has_row_chunks(dataset, row_elements, sizeof(double)));
 }
 
 // The sizes in the index of a damaged file are not those of the chunks, which HDF5 never asks it for.
@@ -148,7 +149,7 @@ TEST_F(RowChunks, An_index_that_calls_half_rows_rows_is_not_believed)
     std::ofstream{path_.path(), std::ios::binary} << bytes;
     file_ = open_file(path_.path(), H5F_ACC_RDWR);
     const QuietHdf5 quiet;
-    EXPECT_FALSE(kob::has_row_chunks(Hid{H5Dopen2(file_, "res", H5P_DEFAULT)}, row_bytes));
+    EXPECT_FALSE(kob::has_row_chunks(Hid{H5Dopen2(file_, "res", H5P_DEFAULT)}, row_elements, sizeof(double)));
     std::vector<double> values(row_elements);
     for (std::size_t i = 0; i < row_elements; ++i) values[i] = static_cast<double>(i) + 0.5;
     ASSERT_EQ(write_row(file_, 2, values.data(), sizeof(double)), 0);
@@ -156,11 +157,36 @@ TEST_F(RowChunks, An_index_that_calls_half_rows_rows_is_not_believed)
     EXPECT_EQ((std::vector<double>{stored.end() - static_cast<std::ptrdiff_t>(row_elements), stored.end()}), values);
 }
 
+TEST_F(RowChunks, A_row_of_one_element_is_a_chunk_where_each_row_is_one)
+{
+    for (const hsize_t rows_of_chunk : {1, 2}) {
+        const Extents chunk{rows_of_chunk, 1};
+        const Hid list = chunked_list(chunk, no_filters);
+        const Hid dataset{H5Dcreate2(file_, "index", H5T_NATIVE_INT, space_of({3, 1}, {H5S_UNLIMITED, 1}), H5P_DEFAULT,
+                                     list, H5P_DEFAULT)};
+        const std::vector<std::int32_t> numbers{1, 2, 3};
+        ASSERT_GE(H5Dwrite(dataset, H5T_NATIVE_INT, H5S_ALL, H5S_ALL, H5P_DEFAULT, numbers.data()), 0);
+        EXPECT_EQ(kob::has_row_chunks(dataset, 1, sizeof(std::int32_t)), rows_of_chunk == 1);
+        ASSERT_GE(H5Ldelete(file_, "index", H5P_DEFAULT), 0);
+    }
+}
+
+// An index of the newest format is walked through row by row, those that are not there included: none is walked through.
+TEST_F(RowChunks, The_old_format_is_told_from_newer_ones)
+{
+    EXPECT_TRUE(kob::header_facts(create({1, 3, width})).has_old_format);
+    const TempFile newest{"newest.h5"};
+    const Hid list{H5Pcreate(H5P_FILE_ACCESS)};
+    ASSERT_GE(H5Pset_libver_bounds(list, H5F_LIBVER_LATEST, H5F_LIBVER_LATEST), 0);
+    file_ = Hid{H5Fcreate(newest.path().c_str(), H5F_ACC_TRUNC, H5P_DEFAULT, list)};
+    EXPECT_FALSE(kob::header_facts(create({1, 3, width})).has_old_format);
+}
+
 TEST_F(RowChunks, A_dataset_in_one_piece_has_none)
 {
     put_dataset(file_, "one_piece", H5T_NATIVE_DOUBLE, {4, 3, width});
     const QuietHdf5 quiet;
-    EXPECT_FALSE(kob::has_row_chunks(Hid{H5Dopen2(file_, "one_piece", H5P_DEFAULT)}, row_bytes));
+    EXPECT_FALSE(kob::has_row_chunks(Hid{H5Dopen2(file_, "one_piece", H5P_DEFAULT)}, row_elements, sizeof(double)));
 }
 
 // Every row goes to the dataset as plain HDF5 would have put it, whatever the chunks, the stored type and the filters
