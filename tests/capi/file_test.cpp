@@ -9,7 +9,6 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <ostream>
 #include <stdexcept>
 #include <string>
@@ -29,6 +28,7 @@
 
 #include "open_file.hpp"
 #include "support/captured_stream.hpp"
+#include "support/file_bytes.hpp"
 #include "support/hdf5_file.hpp"
 #include "support/identifiers.hpp"
 #include "support/kob_file.hpp"
@@ -73,12 +73,6 @@ std::string hdf5_version()
     unsigned release = 0;
     H5get_libversion(&major, &minor, &release);
     return std::to_string(major) + "." + std::to_string(minor) + "." + std::to_string(release);
-}
-
-std::string bytes_of(const std::string& path)
-{
-    std::ifstream file{path, std::ios::binary};
-    return {std::istreambuf_iterator<char>{file}, {}};
 }
 
 void write_bytes(const std::string& path, const std::string& bytes) { std::ofstream{path, std::ios::binary} << bytes; }

@@ -15,7 +15,6 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <iterator>
 #include <memory>
 #include <optional>
 #include <random>
@@ -25,6 +24,7 @@
 #include "support/captured_stream.hpp"
 #include "support/entity_results.hpp"
 #include "support/every_kind.hpp"
+#include "support/file_bytes.hpp"
 #include "support/hdf5_file.hpp"
 #include "support/kob_file.hpp"
 #include "support/temp_file.hpp"
@@ -34,12 +34,6 @@ using testing::ElementsAre;
 using testing::Gt;
 
 namespace {
-
-std::string bytes_of(const std::string& path)
-{
-    std::ifstream in{path, std::ios::binary};
-    return {std::istreambuf_iterator<char>{in}, {}};
-}
 
 void store(const std::string& path, const std::string& bytes)
 {

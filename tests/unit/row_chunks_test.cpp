@@ -13,7 +13,6 @@
 #include <cstring>
 #include <fstream>
 #include <functional>
-#include <iterator>
 #include <map>
 #include <string>
 #include <utility>
@@ -21,6 +20,7 @@
 
 #include "support/chunked_dataset.hpp"
 #include "support/dice.hpp"
+#include "support/file_bytes.hpp"
 #include "support/temp_file.hpp"
 
 using namespace kob_test;
@@ -65,12 +65,6 @@ void write_rows(hid_t dataset, hsize_t first, hsize_t count)
     grow(dataset, first + count);
     const std::vector<double> values(static_cast<std::size_t>(count) * row_elements, 1.5);
     ASSERT_GE(write_block(dataset, H5T_NATIVE_DOUBLE, {{first, 0, 0}, {count, 3, width}}, values.data()), 0);
-}
-
-std::string file_bytes(const std::string& path)
-{
-    std::ifstream in{path, std::ios::binary};
-    return {std::istreambuf_iterator<char>{in}, {}};
 }
 
 /// Writes one row with the library, as a series is written.
@@ -139,7 +133,7 @@ TEST_F(RowChunks, An_index_that_calls_half_rows_rows_is_not_believed)
     {
         const Hid closed = std::move(file_);
     }
-    std::string bytes = file_bytes(path_.path());
+    std::string bytes = bytes_of(path_.path());
     const std::string half_without_mask{"\x30\0\0\0\0\0\0\0", 8}; // 48 bytes, and no filters left out
     int keys = 0;
     for (std::size_t at = bytes.find("TREE\1"); (at = bytes.find(half_without_mask, at)) != std::string::npos; ++keys) {
