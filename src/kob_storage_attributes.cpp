@@ -77,10 +77,12 @@ std::int32_t KOB_H5Awrite(const char* name, const void* data, std::int32_t kob_t
         attribute = Id{H5Aopen(location, name, H5P_DEFAULT), H5Aclose};
         stored.owned = Id{H5Aget_type(attribute.get()), H5Tclose};
         stored.type = stored.owned.get();
-        if (const H5T_class_t found = stored_class(stored.type); found != type_class) {
+        const bool is_stored_as_given = is_stored_as(stored.type, memory, kob_type);
+        if (const H5T_class_t found = is_stored_as_given ? type_class : stored_class(stored.type);
+            found != type_class) {
             return refuse(other_class, found);
         }
-        const std::size_t size = H5Tget_size(stored.type);
+        const std::size_t size = is_stored_as_given ? data_size : H5Tget_size(stored.type);
         if (const auto other = other_shape(attribute.get(), size, dims, rank)) {
             return refuse(other->is_rank ? other_rank : other_extent, other->quantity);
         }

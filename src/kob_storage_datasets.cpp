@@ -503,10 +503,11 @@ std::int32_t KOB_H5Dread(const char* name, void* data, std::int32_t kob_type, st
         return refuse(missing);
     }
     const Id stored{H5Dget_type(dataset.get()), H5Tclose};
-    if (const H5T_class_t found = stored_class(stored.get()); found != type_class) {
+    const bool is_stored_as_asked = is_stored_as(stored.get(), memory, kob_type);
+    if (const H5T_class_t found = is_stored_as_asked ? type_class : stored_class(stored.get()); found != type_class) {
         return refuse(other_class, found);
     }
-    const std::size_t size = H5Tget_size(stored.get());
+    const std::size_t size = is_stored_as_asked ? data_size : H5Tget_size(stored.get());
     if (stored_size != nullptr) {
         *stored_size = size;
     }

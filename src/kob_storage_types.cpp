@@ -132,10 +132,50 @@ FileType stored_type_for(std::int32_t kob_type, hid_t native, std::size_t size, 
     return result;
 }
 
+namespace {
+
+/// Do the parts of a floating number lie within its element, the mantissa lowest, as in every format in use? Of others
+/// HDF5 writes beyond the element's end when it converts them.
+bool has_sound_parts(hid_t type, std::size_t size) noexcept
+{
+    std::size_t sign = 0;
+    std::size_t exponent = 0;
+    std::size_t exponent_size = 0;
+    std::size_t mantissa = 0;
+    std::size_t mantissa_size = 0;
+    const int offset = H5Tget_offset(type);
+    const std::size_t precision = H5Tget_precision(type);
+    if (H5Tget_fields(type, &sign, &exponent, &exponent_size, &mantissa, &mantissa_size) < 0 || offset < 0) {
+        return false;
+    }
+    // Positions count from the offset: one below it arrives as a huge number.
+    const bool is_within = static_cast<std::size_t>(offset) + precision <= 8 * size && sign < precision &&
+                           exponent < precision && exponent_size <= precision - exponent && mantissa < precision &&
+                           mantissa + mantissa_size <= std::min(sign, exponent);
+    return is_within && (H5Tget_order(type) != H5T_ORDER_VAX || size % 2 == 0); // it swaps bytes in pairs
+}
+
+/// Can HDF5 convert numbers of a type without harm? A damaged file describes any. Where an integer lies in its element
+/// HDF5 checks itself when it reads the description.
+bool is_sound_number(hid_t type, bool is_real) noexcept
+{
+    constexpr std::size_t largest_number = 64; // bytes; HDF5 converts into none that is larger
+    const std::size_t size = H5Tget_size(type);
+    const auto is = [&](hid_t known) { return H5Tequal(type, known) > 0; };
+    return size <= largest_number &&
+           (!is_real || is(H5T_NATIVE_DOUBLE_g) || is(H5T_NATIVE_FLOAT_g) || has_sound_parts(type, size));
+}
+
+} // namespace
+
 H5T_class_t stored_class(hid_t type) noexcept
 {
     const H5T_class_t found = H5Tget_class(type);
-    return found == H5T_STRING && H5Tis_variable_str(type) > 0 ? H5T_VLEN : found;
+    if (found == H5T_STRING) {
+        return H5Tis_variable_str(type) > 0 ? H5T_VLEN : found;
+    }
+    const bool is_real = found == H5T_FLOAT;
+    return (is_real || found == H5T_INTEGER) && !is_sound_number(type, is_real) ? H5T_NO_CLASS : found;
 }
 
 bool is_stored_as(hid_t stored, hid_t memory, std::int32_t kob_type) noexcept

@@ -23,7 +23,8 @@ struct FileType {
 /// The type that new objects get: little-endian numbers, blank-padded texts of `size`.
 FileType stored_type_for(std::int32_t kob_type, hid_t native, std::size_t size, SharedIds& shared);
 
-/// Class of a stored type as the type codes see it: a variable-length text is no text.
+/// Class of a stored type as the type codes see it: a variable-length text is no text, and a number whose parts lie
+/// outside of its element, in a damaged file, is of no class.
 H5T_class_t stored_class(hid_t type) noexcept;
 
 /// Is a number stored as the caller's memory has it? Then nothing else needs to be asked of the stored type. A text is

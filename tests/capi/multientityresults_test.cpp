@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "support/file_bytes.hpp"
 #include "support/hdf5_file.hpp"
 #include "support/result_blocks.hpp"
 
@@ -1218,4 +1219,30 @@ TEST(MultiEntityResults, APlaceThatCannotBeMadeIsReported)
     KobFile file;
     file.reopen(read_only);
     EXPECT_EQ(block.write(file), refusal);
+}
+
+TEST(MultiEntityResults, ADamagedDescriptionOfTheNumbersIsRefused)
+{
+    KobFile file;
+    MultiEntityResults series{2, 4};
+    ASSERT_EQ(series.write(file), fine);
+    const auto written = all_of(series);
+    file.close();
+    // How a float is described: class, places of its bits, size, offset, precision, places again. A precision that
+    // reaches beyond the four bytes makes HDF5 write there.
+    const std::string sound{"\x11\x20\x1f\0\4\0\0\0\0\0\x20\0\x17\x08\0\x17", 16};
+    const std::string damaged{"\x11\x20\x1f\0\4\0\0\0\0\0\x20\x80\x17\x08\0\x17", 16};
+    ASSERT_EQ(damage_bytes(file.path(), sound, damaged), 2) << "indexval and res";
+    file.reopen(update);
+    auto got = series;
+    EXPECT_EQ(got.read2(file.block(place), section::values), (Outcome{-6003, read_line(3, "res", 3, 8, -1, false)}));
+    EXPECT_EQ(got.read2(file.block(place), section::index),
+              (Outcome{-6003, read_line(3, "indexval", 3, 8, -1, false)}));
+    MultiEntityResults next = series;
+    EXPECT_EQ(next.one_at(2).write(file), (Outcome{-3010, write_line(10, "indexval", 3, 8, 4, 1, -1)}));
+    file.close();
+    ASSERT_EQ(damage_bytes(file.path(), damaged, sound), 2);
+    file.reopen(update);
+    EXPECT_EQ(listing(everything(file, series)), listing(written));
+    EXPECT_EQ(next.write(file), fine);
 }

@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "support/captured_stream.hpp"
+#include "support/file_bytes.hpp"
 #include "support/file_size_limit.hpp"
 #include "support/hdf5_file.hpp"
 #include "support/layout.hpp"
@@ -178,6 +179,14 @@ protected:
         file_.reset();
         file_.emplace(open_file(temp_.path(), H5F_ACC_RDONLY));
     }
+    /// Gives every number whose type is described by `these` bytes the description `others`.
+    int damage(const std::string& these, const std::string& others)
+    {
+        file_.reset();
+        const int found = damage_bytes(temp_.path(), these, others);
+        file_.emplace(open_file(temp_.path(), H5F_ACC_RDWR));
+        return found;
+    }
     std::string listing() const { return layout_of(at()); }
 
 private:
@@ -188,6 +197,7 @@ private:
 };
 
 class StorageTypes : public Storage {};
+class DamagedTypes : public Storage {};
 class AttributeWriter : public Storage {};
 class AttributeReader : public Storage {};
 class DatasetWriter : public Storage {
@@ -203,6 +213,244 @@ class DatasetReader : public Storage {};
 } // namespace
 
 // Types and fill values
+
+namespace {
+
+/// A floating type as the file format describes it: the class with its version, bits of which the third byte is the
+/// sign's place, the size; then offset and precision; places and sizes of exponent and mantissa; the exponent's bias.
+struct RealType {
+    unsigned char sign;
+    std::uint16_t size;
+    std::uint16_t offset;
+    std::uint16_t precision;
+    unsigned char exponent;
+    unsigned char exponent_size;
+    unsigned char mantissa;
+    unsigned char mantissa_size;
+    std::uint16_t bias;
+
+    std::string bytes() const
+    {
+        const auto low = [](std::uint16_t number) { return static_cast<unsigned char>(number % 256); };
+        const auto high = [](std::uint16_t number) { return static_cast<unsigned char>(number / 256); };
+        const std::array<unsigned char, 20> all{0x11,
+                                                0x20,
+                                                sign,
+                                                0,
+                                                low(size),
+                                                high(size),
+                                                0,
+                                                0,
+                                                low(offset),
+                                                high(offset),
+                                                low(precision),
+                                                high(precision),
+                                                exponent,
+                                                exponent_size,
+                                                mantissa,
+                                                mantissa_size,
+                                                low(bias),
+                                                high(bias),
+                                                0,
+                                                0};
+        return {all.begin(), all.end()};
+    }
+};
+constexpr RealType stored_double{63, 8, 0, 64, 52, 11, 0, 52, 1023};
+
+} // namespace
+
+TEST_F(DamagedTypes, A_floating_number_with_parts_outside_of_its_element_is_of_no_class)
+{
+    // As floats they are converted, which is where harm would be done.
+    const std::vector<float> given(100, 0.5F);
+    const std::vector<float> others(100, 0.25F);
+    const std::vector<AttributeCall> attributes{{"single", real, 4, 8}, {"several", real, 4, 8, {3}}};
+    const std::vector<DatasetCall> datasets{
+        {.name = "compact", .type = real, .kob_size = 8, .dims = {100}},
+        {.name = "packed", .type = real, .kob_size = 8, .dims = {100}, .flags = 2 | 16},
+        {"grown", real, 4, 8, {unlimited, 50}, 1, {2, 50}, {0, 0}},
+    };
+    for (const auto& call : attributes) {
+        ASSERT_EQ(call.write(at(), given.data()), fine);
+    }
+    for (const auto& call : datasets) {
+        ASSERT_EQ(call.write(at(), given.data()), fine);
+    }
+    struct Row {
+        const char* damage;
+        RealType type;
+    };
+    for (const auto& row : {Row{"longer than its element", {63, 8, 0, 0x1040, 52, 11, 0, 52, 1023}},
+                            Row{"ends outside", {63, 8, 1, 64, 51, 11, 1, 50, 1023}},
+                            Row{"begins outside", {63, 8, 0xff00, 64, 52, 11, 0, 52, 1023}},
+                            Row{"begins in its mantissa", {63, 8, 16, 48, 52, 11, 0, 52, 1023}},
+                            Row{"shorter than its parts", {63, 8, 0, 32, 52, 11, 0, 52, 1023}},
+                            Row{"mantissa above all", {0, 8, 0, 64, 1, 11, 12, 52, 1023}}}) {
+        SCOPED_TRACE(row.damage);
+        ASSERT_EQ(damage(stored_double.bytes(), row.type.bytes()), 5);
+        std::vector<float> found(100, 7);
+        for (const auto& call : attributes) {
+            EXPECT_EQ(call.read(at(), found.data()), (Outcome{-4003, call.read_line(3)}));
+            EXPECT_EQ(call.write(at(), others.data()), (Outcome{-1010, call.write_line(10)}));
+        }
+        for (const auto& call : datasets) {
+            EXPECT_EQ(call.read(at(), found.data()), (Outcome{-6003, call.read_line(3)}));
+            EXPECT_EQ(call.write(at(), others.data()), (Outcome{-3010, call.write_line(10)}));
+        }
+        EXPECT_EQ(found, std::vector<float>(100, 7));
+
+        ASSERT_EQ(damage(row.type.bytes(), stored_double.bytes()), 5);
+        for (const char* name : {"compact", "packed", "grown"}) {
+            EXPECT_EQ(stored_reals(at(), name), Reals(100, 0.5)) << name;
+        }
+        EXPECT_EQ(stored_reals(at(), "several"), Reals(3, 0.5));
+    }
+}
+
+TEST_F(DamagedTypes, What_HDF5_itself_refuses_cannot_be_read_or_overwritten)
+{
+    const std::vector<float> given(100, 0.5F);
+    const AttributeCall attribute{"a", real, 4, 8};
+    const DatasetCall dataset{.name = "d", .type = real, .kob_size = 8, .dims = {100}};
+    ASSERT_EQ(attribute.write(at(), given.data()), fine);
+    ASSERT_EQ(dataset.write(at(), given.data()), fine);
+    struct Row {
+        const char* damage;
+        RealType type;
+    };
+    for (const auto& row : {Row{"sign outside", {64, 8, 0, 64, 52, 11, 0, 52, 1023}},
+                            Row{"exponent outside", {63, 8, 0, 64, 64, 11, 0, 52, 1023}},
+                            Row{"exponent ends outside", {51, 8, 0, 64, 52, 13, 0, 51, 1023}},
+                            Row{"mantissa outside", {63, 8, 0, 64, 52, 11, 70, 52, 1023}},
+                            Row{"exponent in the mantissa", {63, 8, 0, 64, 40, 11, 0, 52, 1023}},
+                            Row{"sign in the exponent", {60, 8, 0, 64, 52, 11, 0, 52, 1023}}}) {
+        SCOPED_TRACE(row.damage);
+        ASSERT_EQ(damage(stored_double.bytes(), row.type.bytes()), 2);
+        float found = 7;
+        EXPECT_EQ(attribute.read(at(), &found), (Outcome{-4002, attribute.read_line(2)}));
+        EXPECT_EQ(attribute.write(at(), given.data()), (Outcome{-1100, attribute.write_line(100)}));
+        EXPECT_EQ(dataset.read(at(), &found), (Outcome{-6003, dataset.read_line(3)}));
+        EXPECT_EQ(dataset.write(at(), given.data()), (Outcome{-3010, dataset.write_line(10)}));
+        EXPECT_EQ(found, 7);
+        ASSERT_EQ(damage(row.type.bytes(), stored_double.bytes()), 2);
+    }
+}
+
+TEST_F(DamagedTypes, So_are_integers_outside_of_their_element)
+{
+    const auto given = numbers(100);
+    const DatasetCall dataset{.name = "d", .kob_size = 8, .dims = {100}};
+    ASSERT_EQ(dataset.write(at(), given.data()), fine);
+    // Class, sign, size; then offset and precision.
+    const std::string sound{"\x10\x08\0\0\x08\0\0\0\0\0\x40\0", 12};
+    for (const std::string& damaged :
+         {std::string{"\x10\x08\0\0\x08\0\0\0\0\0\x41\0", 12}, std::string{"\x10\x08\0\0\x08\0\0\0\x01\0\x40\0", 12},
+          std::string{"\x10\x08\0\0\x08\0\0\0\x40\0\x40\0", 12}}) {
+        ASSERT_EQ(damage(sound, damaged), 1);
+        auto found = numbers(100, 7);
+        EXPECT_EQ(dataset.read(at(), found.data()), (Outcome{-6003, dataset.read_line(3)}));
+        EXPECT_EQ(dataset.write(at(), given.data()), (Outcome{-3010, dataset.write_line(10)}));
+        EXPECT_EQ(found, numbers(100, 7));
+        ASSERT_EQ(damage(damaged, sound), 1);
+    }
+}
+
+TEST_F(DamagedTypes, A_number_that_is_too_large_to_be_converted_is_of_no_class)
+{
+    const std::vector<float> given(100, 0.5F);
+    const DatasetCall packed{.name = "p", .type = real, .kob_size = 8, .dims = {100}, .flags = 2};
+    const DatasetCall plain{.name = "d", .type = real, .kob_size = 8, .dims = {1000}};
+    ASSERT_EQ(packed.write(at(), given.data()), fine);
+    ASSERT_EQ(plain.write(at(), std::vector<float>(1000, 0.5F).data()), fine);
+    for (const std::uint16_t size : {65, 5000}) {
+        SCOPED_TRACE(size);
+        const RealType large{63, size, 0, static_cast<std::uint16_t>(8 * size), 52, 11, 0, 52, 1023};
+        ASSERT_EQ(damage(stored_double.bytes(), large.bytes()), 2);
+        std::vector<float> found(1000, 7);
+        for (const auto& call : {packed, plain}) {
+            EXPECT_EQ(call.read(at(), found.data()), (Outcome{-6003, call.read_line(3)}));
+            EXPECT_EQ(call.write(at(), found.data()), (Outcome{-3010, call.write_line(10)}));
+        }
+        EXPECT_EQ(found, std::vector<float>(1000, 7));
+        ASSERT_EQ(damage(large.bytes(), stored_double.bytes()), 2);
+    }
+
+    const Hid largest{H5Tcopy(H5T_IEEE_F64LE)};
+    ASSERT_GE(H5Tset_size(largest, 64), 0);
+    ASSERT_GE(H5Tset_precision(largest, 512), 0);
+    const std::vector<double> values(10, 0.5);
+    std::vector<double> found(10, 7);
+    put_dataset(at(), "l", largest, {10}, H5T_NATIVE_DOUBLE, values.data());
+    EXPECT_EQ((DatasetCall{"l", real, 8, 8, {10}}.read(at(), found.data())), fine);
+    EXPECT_EQ(found, values);
+}
+
+TEST_F(DamagedTypes, Bytes_in_VAX_order_come_in_pairs)
+{
+    const Hid odd{H5Tcopy(H5T_VAX_F32)};
+    ASSERT_GE(H5Tset_size(odd, 5), 0);
+    put_dataset(at(), "a", odd, {4});
+    std::vector<double> found(4, 7);
+    const DatasetCall call{"a", real, 8, 8, {4}};
+    EXPECT_EQ(call.read(at(), found.data()), (Outcome{-6003, call.read_line(3)}));
+    EXPECT_EQ(call.write(at(), found.data()), (Outcome{-3010, call.write_line(10)}));
+    EXPECT_EQ(found, Reals(4, 7));
+}
+
+TEST_F(StorageTypes, Floating_numbers_of_every_usual_format_are_read_and_overwritten)
+{
+    const Hid half{H5Tcopy(H5T_IEEE_F32LE)}; // the five-bit exponent and the mantissa of ten bits behind it
+    ASSERT_GE(H5Tset_fields(half, 15, 10, 5, 0, 10), 0);
+    ASSERT_GE(H5Tset_size(half, 2), 0);
+    ASSERT_GE(H5Tset_ebias(half, 15), 0);
+    const Hid brain{H5Tcopy(H5T_IEEE_F32LE)}; // the upper half of a float
+    ASSERT_GE(H5Tset_fields(brain, 15, 7, 8, 0, 7), 0);
+    ASSERT_GE(H5Tset_size(brain, 2), 0);
+    const Hid shifted{H5Tcopy(H5T_IEEE_F32BE)}; // in the middle of eight bytes
+    ASSERT_GE(H5Tset_size(shifted, 8), 0);
+    ASSERT_GE(H5Tset_offset(shifted, 16), 0);
+    struct Row {
+        const char* name;
+        hid_t type;
+    };
+    for (const auto& row :
+         {Row{"F32LE", H5T_IEEE_F32LE}, Row{"F32BE", H5T_IEEE_F32BE}, Row{"F64LE", H5T_IEEE_F64LE},
+          Row{"F64BE", H5T_IEEE_F64BE}, Row{"VAX 4", H5T_VAX_F32}, Row{"VAX 8", H5T_VAX_F64},
+          Row{"long double", H5T_NATIVE_LDOUBLE}, Row{"half", half}, Row{"brain", brain}, Row{"shifted", shifted}}) {
+        SCOPED_TRACE(row.name);
+        const std::vector<double> values{0.5, -1.5, 0, 96};
+        const std::vector<double> others{-0.25, 3, 7, 0};
+        put_dataset(at(), row.name, row.type, {4}, H5T_NATIVE_DOUBLE, values.data());
+        put_attribute(at(), row.name, row.type, {4}, H5T_NATIVE_DOUBLE, values.data());
+        std::vector<double> found(4, 7);
+        const DatasetCall dataset{row.name, real, 8, 8, {4}};
+        EXPECT_EQ(dataset.read(at(), found.data()), fine);
+        EXPECT_EQ(found, values);
+        EXPECT_EQ(dataset.write(at(), others.data()), fine);
+        EXPECT_EQ(stored_reals(at(), row.name), others);
+        found.assign(4, 7);
+        const AttributeCall attribute{row.name, real, 8, 8, {4}};
+        EXPECT_EQ(attribute.read(at(), found.data()), fine);
+        EXPECT_EQ(found, values);
+        EXPECT_EQ(attribute.write(at(), others.data()), fine);
+        EXPECT_EQ(attribute.read(at(), found.data()), fine);
+        EXPECT_EQ(found, others);
+    }
+}
+
+TEST_F(StorageTypes, Integers_of_every_usual_format_are_read)
+{
+    const std::vector<std::int32_t> values{0, 1, 100, 127};
+    for (const hid_t type : {H5T_STD_I8LE, H5T_STD_I8BE, H5T_STD_I16LE, H5T_STD_I16BE, H5T_STD_I32LE, H5T_STD_I32BE,
+                             H5T_STD_I64LE, H5T_STD_I64BE, H5T_STD_U8LE, H5T_STD_U16BE, H5T_STD_U32LE, H5T_STD_U64BE}) {
+        const std::string name = std::to_string(type);
+        put_dataset(at(), name, type, {4}, H5T_NATIVE_INT32, values.data());
+        std::vector<std::int64_t> found(4, -7);
+        EXPECT_EQ((DatasetCall{name.c_str(), integer, 8, 8, {4}}.read(at(), found.data())), fine);
+        EXPECT_EQ(found, Ints(values.begin(), values.end()));
+    }
+}
 
 TEST_F(StorageTypes, Each_code_and_size_has_its_native_type)
 {
