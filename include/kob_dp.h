@@ -2415,7 +2415,8 @@ KOB_API void KOB_READ_SPARSEMATRIX(const int64_t* block, const int32_t* pass, ch
  *  results are cut back to their leading states; other multi-state blocks are left alone. States are compared by their
  *  index identifiers, the last one first: it is the most significant. A block with another number of index values is
  *  kept, and so is one that cannot be read. A rewritten block keeps its path. A block that two names reach is handled
- *  once; blocks behind an external link are kept, with one warning line. The space in the file is not given back.
+ *  once; blocks behind an external link are kept, with one warning line. The space in the file is not given back. Once
+ *  a deletion fails, in a damaged file, nothing else is deleted or rewritten: one line names each block that is kept.
  *
  *  The system block gets the local date and time as "mdate" and "mtime". Running out of memory ends the process with
  *  exit code 1, as in every tool.

@@ -21,16 +21,19 @@ EmptiedGroups::EmptiedGroups(const BlockTable& table, const std::vector<bool>& g
     }
 }
 
-void remove_empty_parents(hid_t file, std::string path)
+bool remove_empty_parents(hid_t file, std::string path)
 {
     for (std::size_t slash = path.rfind('/'); slash != std::string::npos; slash = path.rfind('/')) {
         path.resize(slash);
         H5G_info_t info{};
-        if (H5Gget_info_by_name(file, path.c_str(), &info, H5P_DEFAULT) < 0 || info.nlinks > 0 ||
-            H5Ldelete(file, path.c_str(), H5P_DEFAULT) < 0) {
-            return;
+        if (H5Gget_info_by_name(file, path.c_str(), &info, H5P_DEFAULT) < 0 || info.nlinks > 0) {
+            return true;
+        }
+        if (H5Ldelete(file, path.c_str(), H5P_DEFAULT) < 0) {
+            return false;
         }
     }
+    return true;
 }
 
 } // namespace kob::erase

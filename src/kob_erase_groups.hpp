@@ -40,7 +40,8 @@ private:
     std::vector<bool> emptied_;
 };
 
-/// Deletes the groups above a path as far as they are empty. One that cannot be deleted stays: it does no harm.
-void remove_empty_parents(hid_t file, std::string path);
+/// Deletes the groups above a path as far as they are empty. False when one cannot be deleted; that it stays does no
+/// harm.
+bool remove_empty_parents(hid_t file, std::string path);
 
 } // namespace kob::erase

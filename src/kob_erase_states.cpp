@@ -224,28 +224,34 @@ private:
         }
     }
 
-    [[nodiscard]] bool remove_group(const TableEntry& entry, const EmptiedGroups& emptied, std::size_t group) const
+    [[nodiscard]] bool remove_group(const TableEntry& entry, const EmptiedGroups& emptied, std::size_t group)
     {
         const std::string path = entry.path.substr(0, emptied[group].path_length);
-        if (H5Ldelete(file_, path.c_str(), H5P_DEFAULT) < 0) {
+        if (!remove_link(path)) {
             return false;
         }
         if (emptied.goes_on_behind(group)) {
-            remove_empty_parents(file_, path);
+            can_delete_ = remove_empty_parents(file_, path);
         }
         return true;
     }
 
-    bool remove(const std::string& path) const
+    bool remove_link(const std::string& path)
     {
-        if (H5Ldelete(file_, path.c_str(), H5P_DEFAULT) < 0) {
+        can_delete_ = can_delete_ && H5Ldelete(file_, path.c_str(), H5P_DEFAULT) >= 0;
+        return can_delete_;
+    }
+
+    bool remove(const std::string& path)
+    {
+        if (!remove_link(path)) {
             report_error(message::erase_failed, path.c_str());
             return false;
         }
         if (verbose_ >= 2) {
             say(message::erase_deleted, path.c_str());
         }
-        remove_empty_parents(file_, path);
+        can_delete_ = remove_empty_parents(file_, path);
         return true;
     }
 
@@ -295,8 +301,7 @@ private:
             return fail_reading(entry, 2, key);
         }
         block.close();
-        remove(entry.path);
-        if (keep == 0) {
+        if (!remove(entry.path) || keep == 0) {
             return 0;
         }
         return rewrite(entry, series, keep, value_size_for(key, size));
@@ -340,6 +345,9 @@ private:
     std::vector<bool> behind_; ///< of the table's blocks, if they could be judged ahead
     std::int32_t rewritten_ = 0;
     std::int32_t linked_kept_ = 0;
+    /// After a deletion that failed HDF5 must not delete more: part of what it met is free already, and to free that
+    /// once more tears its list of free space.
+    bool can_delete_ = true;
 };
 
 } // namespace

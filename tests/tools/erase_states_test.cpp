@@ -713,26 +713,28 @@ TEST(EraseStates, AFailedDeletionIsReportedAndDoesNotStopTheRun)
     EXPECT_THAT(erased.out, HasSubstr("KOB INFO - 0 singlestate blocks deleted\n"));
 }
 
-/// Sets the count of links that a group's object header keeps, behind HDF5's back.
-void damage_link_count(KobFile& file, const std::string& group, char count)
+/// Sets a byte of an object's header behind HDF5's back.
+void damage_header(KobFile& file, const std::string& object, std::streamoff offset, char byte)
 {
     file.close();
     haddr_t address = 0;
     {
         const Hid damaged = open_file(file.path());
         H5O_info2_t info{};
-        ASSERT_GE(H5Oget_info_by_name3(damaged, group.c_str(), &info, H5O_INFO_BASIC, H5P_DEFAULT), 0);
+        ASSERT_GE(H5Oget_info_by_name3(damaged, object.c_str(), &info, H5O_INFO_BASIC, H5P_DEFAULT), 0);
         ASSERT_EQ(info.rc, 1U);
         ASSERT_GE(H5VLnative_token_to_addr(damaged, info.token, &address), 0);
     }
     std::fstream bytes{file.path(), std::ios::binary | std::ios::in | std::ios::out};
-    constexpr std::streamoff count_offset = 4; // behind version and number of messages
-    bytes.seekp(static_cast<std::streamoff>(address) + count_offset);
-    bytes.put(count);
+    bytes.seekp(static_cast<std::streamoff>(address) + offset);
+    bytes.put(byte);
     bytes.close();
     ASSERT_TRUE(bytes.good());
     file.reopen(update);
 }
+
+constexpr std::streamoff header_version = 0;
+constexpr std::streamoff header_links = 4; // how many lead to the object; behind version and number of messages
 
 TEST(EraseStates, BlocksWhoseEmptyGroupCannotGoAreErasedAllTheSame)
 {
@@ -740,7 +742,7 @@ TEST(EraseStates, BlocksWhoseEmptyGroupCannotGoAreErasedAllTheSame)
         ToolFile file;
         for (const char* variable : {"DISPLACEMENT", "STRESS"}) write_state(file, {7}, variable);
         write_state(file, {8});
-        ASSERT_NO_FATAL_FAILURE(damage_link_count(file, "results/singlestate", 0));
+        ASSERT_NO_FATAL_FAILURE(damage_header(file, "results/singlestate", header_links, 0));
         if (!is_plain) {
             H5Lcreate_soft("nowhere", file.handle(), "zz", H5P_DEFAULT, H5P_DEFAULT);
         }
@@ -753,6 +755,23 @@ TEST(EraseStates, BlocksWhoseEmptyGroupCannotGoAreErasedAllTheSame)
         EXPECT_THAT(erased.out, HasSubstr("KOB INFO - 3 singlestate blocks deleted\n"));
         EXPECT_THAT(link_names(open_group(file.handle(), "singlestate")), IsEmpty());
     }
+}
+
+TEST(EraseStates, NothingElseIsDeletedOnceADeletionFailed)
+{
+    // What a group held before the object that cannot go is free then, and must not be freed again.
+    ToolFile file;
+    for (const char* variable : {"DISPLACEMENT", "STRESS"}) write_state(file, {7}, variable);
+    write_state(file, {8});
+    SeriesBlock{.indexident = {5, 6}}.write(file);
+    ASSERT_NO_FATAL_FAILURE(damage_header(file, "results/" + state_path(7, "STRESS") + "/res", header_version, 99));
+    const Erased erased = erase(file.handle(), {5}, 1);
+    EXPECT_EQ(erased.status, 0);
+    EXPECT_EQ(erased.err, " erase of block \"" + state_path(7) + "\" failed\n erase of block \"" +
+                              state_path(7, "STRESS") + "\" failed\n erase of block \"" + state_path(8) +
+                              "\" failed\n erase of block \"" + series_path + "\" failed\n");
+    EXPECT_THAT(erased.out, HasSubstr("KOB INFO - 0 singlestate blocks deleted\n"));
+    EXPECT_THAT(erased.out, HasSubstr("KOB INFO - 0 \"multientityresults\" blocks rewritten\n"));
 }
 
 // ---- names and links
