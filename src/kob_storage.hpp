@@ -132,7 +132,8 @@ std::int64_t count_elements(hid_t location, const char* name) noexcept;
 /// Leading extent of a stored dataset, or -1 when there is none of that name.
 std::int64_t count_rows(hid_t location, const char* name) noexcept;
 
-/// Cuts a growing dataset back to its first rows; a shorter one, or one that is not there, stays as it is.
+/// Cuts a growing dataset back to its first rows; a shorter one, one of more rows than states can be counted, or one
+/// that is not there stays as it is.
 void cut_rows(hid_t location, const char* name, std::int64_t rows) noexcept;
 
 /// Bytes of one element of a stored dataset, or -1 when there is none of that name.

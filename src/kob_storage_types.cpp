@@ -282,7 +282,8 @@ std::int64_t count_rows(hid_t location, const char* name) noexcept
 
 void cut_rows(hid_t location, const char* name, std::int64_t rows) noexcept
 {
-    if (count_rows(location, name) <= rows) {
+    // States are counted in an int32. More rows come from a damage, and HDF5 would look for every chunk of them.
+    if (const std::int64_t held = count_rows(location, name); held <= rows || held > INT32_MAX) {
         return;
     }
     const Id dataset{H5Dopen2(location, name, H5P_DEFAULT), H5Dclose};

@@ -1070,6 +1070,31 @@ TEST_F(DatasetWriter, Missing_extents_and_an_unlimited_extent_of_a_whole_dataset
     EXPECT_EQ(listing(), "");
 }
 
+TEST_F(DatasetWriter, Only_a_dataset_of_as_many_rows_as_states_can_be_is_cut)
+{
+    const std::int32_t value = 5;
+    constexpr hsize_t most = std::numeric_limits<std::int32_t>::max();
+    // Chunks of many rows are soon cut. Of single rows so many take HDF5 minutes or hours, whether they exist or not.
+    for (const auto& [name, chunk] : {std::pair{"large", hsize_t{1} << 20U}, std::pair{"small", hsize_t{1}}}) {
+        const Hid list{H5Pcreate(H5P_DATASET_CREATE)};
+        ASSERT_GE(H5Pset_chunk(list, 1, &chunk), 0);
+        const Hid space{space_of({0}, {unlimited})};
+        Hid{H5Dcreate2(at(), name, H5T_STD_I32LE, space, H5P_DEFAULT, list, H5P_DEFAULT)};
+        ASSERT_EQ(
+            (DatasetCall{.name = name, .dims = {unlimited}, .mode = 1, .count = {1}, .start = {0}}.write(at(), &value)),
+            fine);
+        for (const hsize_t rows : {most, most + 1, hsize_t{1} << 40U}) {
+            if (rows == most && chunk == 1) continue;
+            {
+                const Hid dataset{H5Dopen2(at(), name, H5P_DEFAULT)};
+                ASSERT_GE(H5Dset_extent(dataset, &rows), 0);
+            }
+            kob::cut_rows(at(), name, 1);
+            EXPECT_EQ(stored_extents(at(), name), Extents{rows == most ? 1 : rows}) << name;
+        }
+    }
+}
+
 TEST_F(DatasetWriter, An_unknown_type_is_2_and_3_and_wider_memory_4)
 {
     const std::int64_t value = 1;
