@@ -6,6 +6,7 @@
 #include "kob_results.hpp"
 
 #include <algorithm>
+#include <initializer_list>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -80,8 +81,13 @@ void write_states(Writer& io, const MultiEntityResults<Writer>& b, bool complex,
     }
 }
 
+/// The dataset that tells an old block, and those that a further state goes to: one look finds them all.
+constexpr std::initializer_list<const char*> looked_for{"entid", "indexident", "indexval", "res"};
+
+/// `links` are the caller's, if it has looked for them.
 std::int32_t write_series(Location block, const MultiEntityResults<Writer>& b, const Filters& filters,
-                          std::int32_t value_size, const StateRequest& request, Place place, std::int32_t& nstate)
+                          std::int32_t value_size, const StateRequest& request, Place place, std::int32_t& nstate,
+                          const GroupLinks* links = nullptr)
 {
     const BlockKind& kind = kind::multi_entity_results;
     nstate = 0;
@@ -94,12 +100,13 @@ std::int32_t write_series(Location block, const MultiEntityResults<Writer>& b, c
         return refuse_group(block, kind, key);
     }
     Writer io{block, filters, size.stored, place};
-    // The datasets that a further state goes to are looked for together.
-    std::optional<GroupLinks> links;
+    std::optional<GroupLinks> own;
     bool is_new = true;
     if (place != Place::fresh) {
         const hid_t data = io.place(Where::data);
-        links.emplace(data, std::initializer_list<const char*>{"entid", "indexident", "indexval", "res"});
+        if (links == nullptr || !links->is_of(data)) {
+            links = &own.emplace(data, looked_for);
+        }
         is_new = !(links->knows(data) ? links->has("entid") : has_link(data, "entid"));
     }
     if (is_new) {
@@ -152,14 +159,21 @@ std::int32_t write_results(const SeriesPlace& to, const MultiEntityResults<Write
                            const std::int64_t* count, const std::int64_t* start)
 {
     const std::int32_t size = value_size & ~real_memory_bit;
-    Placed placed = place_block(to.group, to.path(kind::multi_entity_results));
+    // A series is written state by state: but for the first time its block is there.
+    const BlockPath path = to.path(kind::multi_entity_results);
+    GroupLinks links{to.group.group, path.text().c_str(), looked_for};
+    Placed placed{links.release_group(), 0, to.group.generation};
+    if (!placed.group) {
+        placed = place_block(to.group, path);
+    }
     if (placed.status < 0) {
         return placed.status;
     }
     LeadingStates one_state = states_of(b, 1, value_size_of(size).complex);
     std::int32_t nstate = 0;
-    const std::int32_t result = write_series(placed.location(), b, filters, size,
-                                             request_of(state, mode, count, start, one_state), placed.place(), nstate);
+    const std::int32_t result =
+        write_series(placed.location(), b, filters, size, request_of(state, mode, count, start, one_state),
+                     placed.place(), nstate, &links);
     return result == 0 && placed.group.close() < 0 ? -1 : result;
 }
 

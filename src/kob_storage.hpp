@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
 namespace kob {
 
@@ -68,7 +69,11 @@ public:
     hid_t compact();                   ///< creation properties of small datasets, or negative
     hid_t text_type(std::size_t size); ///< blank-padded text, or negative
 
+    /// Keeps a dataspace, the last one given, open: HDF5 takes longer to open the first than one more.
+    void keep(Id space) { kept_ = std::move(space); }
+
 private:
+    Id kept_;
     Id scalar_;
     Id compact_;
     Id text_type_;

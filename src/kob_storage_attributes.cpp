@@ -178,7 +178,10 @@ std::int32_t KOB_H5Aread(const char* name, void* data, std::int32_t kob_type, st
 std::int32_t KOB_H5Arewrite(const char* name, std::int32_t number, Id attribute)
 {
     using namespace attribute_write;
-    herr_t result = H5Awrite(attribute.get(), H5T_NATIVE_INT, &number);
+    H5T_class_t type_class{};
+    hid_t memory = H5I_INVALID_HID;
+    KOB_H5gettype(type_code::integer, sizeof number, type_class, memory);
+    herr_t result = H5Awrite(attribute.get(), memory, &number);
     if (result >= 0) {
         result = attribute.close();
     }

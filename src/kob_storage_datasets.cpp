@@ -250,7 +250,7 @@ public:
         }
         SharedIds own;
         SharedIds& ids = options_.shared != nullptr ? *options_.shared : own;
-        if (const std::int32_t result = exists ? reuse() : create(ids); result != 0) {
+        if (const std::int32_t result = exists ? reuse(ids) : create(ids); result != 0) {
             return result;
         }
         if (options_.leading_extent != nullptr) {
@@ -266,7 +266,7 @@ private:
         return condition.code;
     }
 
-    std::int32_t reuse()
+    std::int32_t reuse(SharedIds& ids)
     {
         using namespace dataset_write;
         stored_.owned = Id{H5Dget_type(dataset_.get()), H5Tclose};
@@ -276,8 +276,8 @@ private:
             found != type_class_) {
             return refuse(other_class, found);
         }
-        space_ = Id{H5Dget_space(dataset_.get()), H5Sclose};
-        read_shape(space_.get(), shape_);
+        Id space{H5Dget_space(dataset_.get()), H5Sclose};
+        read_shape(space.get(), shape_);
         if (rank > 0 ? shape_.rank != rank : shape_.elements != 1) {
             return refuse(other_rank, shape_.rank);
         }
@@ -293,6 +293,12 @@ private:
         } else if (std::int32_t outside = -1; !selection_.place(extents, {shape_.maximum.data(), used}, outside)) {
             return refuse(mode == access_mode::block ? block_outside : point_outside, outside);
         }
+        is_row_ = is_stored_as_given_ && selection_.is_row(extents, {shape_.maximum.data(), used});
+        if (is_row_) {
+            ids.keep(std::move(space)); // a row that is a chunk needs none
+        } else {
+            space_ = std::move(space);
+        }
         if (!std::equal(extents.begin(), extents.end(), before.begin())) {
             if (!is_addressable(extents, is_stored_as_given_ ? data_size : H5Tget_size(stored_.type))) {
                 return refuse(extend);
@@ -306,7 +312,7 @@ private:
         leading_extent_ = used > 0 ? extents[0] : 0;
         const HeaderFacts header = header_facts(dataset_.get());
         is_filtered_ = header.may_have_filters;
-        is_row_ = header.has_old_format && selection_.is_row(extents, {shape_.maximum.data(), used});
+        is_row_ = is_row_ && header.has_old_format && !is_filtered_;
         return 0;
     }
 
@@ -372,13 +378,14 @@ private:
     std::int32_t transfer(SharedIds& ids)
     {
         using namespace dataset_write;
-        if (is_row_ && is_stored_as_given_ && !is_filtered_ &&
-            has_row_chunks(dataset_.get(), row_elements(), data_size)) {
+        if (is_row_ && has_row_chunks(dataset_.get(), row_elements(), data_size)) {
             const std::size_t row_size = static_cast<std::size_t>(row_elements()) * data_size;
             return finish(H5Dwrite_chunk(dataset_.get(), H5P_DEFAULT, 0, selection_.first(), row_size, data));
         }
-        if (is_outgrown_ &&
-            H5Sset_extent_simple(space_.get(), shape_.rank, shape_.extents.data(), shape_.maximum.data()) < 0) {
+        if (!space_ && shape_.rank > 0) {
+            space_ = Id{H5Dget_space(dataset_.get()), H5Sclose};
+        } else if (is_outgrown_ &&
+                   H5Sset_extent_simple(space_.get(), shape_.rank, shape_.extents.data(), shape_.maximum.data()) < 0) {
             return refuse(extend);
         }
         Id own_memory;
@@ -440,14 +447,14 @@ private:
     hid_t memory_ = H5I_INVALID_HID;
     hid_t native_ = H5I_INVALID_HID;
     Id dataset_;
-    Id space_;          ///< the dataset's; none for a new scalar
+    Id space_;          ///< the dataset's; none for a new scalar, and none for a row until it proves to be no chunk
     StoredShape shape_; ///< of a dataset that was there, with the extents that it has grown to
     FileType stored_;
     hsize_t elements_ = 0;
     hsize_t leading_extent_ = 0;
     bool is_filtered_ = false;
     bool is_outgrown_ = false;        ///< has the dataset grown since `space_` was taken?
-    bool is_row_ = false;             ///< is the block a whole row of a dataset that was there?
+    bool is_row_ = false;             ///< is the block a whole row that may be a chunk?
     bool is_stored_as_given_ = false; ///< is the stored type the caller's?
 };
 

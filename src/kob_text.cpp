@@ -5,6 +5,7 @@
 #include "kob_dp.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstring>
 
@@ -13,6 +14,18 @@ namespace {
 
 // The "C" locale's graphic characters, whatever locale the process has set.
 constexpr bool is_graphic(char c) noexcept { return c >= '!' && c <= '~'; }
+
+template <std::size_t count> void drop_blanks(std::string_view& view) noexcept
+{
+    static constexpr auto blanks = [] {
+        std::array<char, count> result{};
+        result.fill(' ');
+        return result;
+    }();
+    while (view.size() >= count && std::memcmp(view.data() + (view.size() - count), blanks.data(), count) == 0) {
+        view.remove_suffix(count);
+    }
+}
 
 } // namespace
 
@@ -30,12 +43,8 @@ std::string_view trimmed(const char* text, std::int32_t length) noexcept
 {
     std::string_view view = up_to_nul(text, length);
     // Most of a field are blanks: many at a time, then a word of them.
-    constexpr std::string_view blanks{"                                "};
-    for (const std::size_t size : {blanks.size(), std::size_t{8}}) {
-        while (view.ends_with(blanks.substr(0, size))) {
-            view.remove_suffix(size);
-        }
-    }
+    drop_blanks<64>(view);
+    drop_blanks<8>(view);
     while (!view.empty() && !is_graphic(view.back())) {
         view.remove_suffix(1);
     }

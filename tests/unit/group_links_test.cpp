@@ -77,17 +77,84 @@ TEST_F(Links, Soft_links_are_followed)
     EXPECT_FALSE(links.open("entid"));
 }
 
-TEST_F(Links, What_is_no_dataset_is_there_but_does_not_open)
+// It is opened by where it lies, as a dataset would be; a write says the same of it as where it is opened by name.
+TEST_F(Links, What_is_no_dataset_is_refused_by_a_write)
 {
     create_group(file_, "res");
     const Hid type{H5Tcopy(H5T_NATIVE_INT)};
     ASSERT_GE(H5Tcommit2(file_, "entid", type, H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT), 0);
     const GroupLinks links{file_, {"res", "entid"}};
+    const std::array<std::int32_t, 3> values{1, 2, 3};
+    const std::array<hsize_t, 1> dims{3};
+    const std::array<std::int32_t, 2> params{};
     const QuietHdf5 quiet;
+    const auto write = [&](const char* name, const GroupLinks* found, std::int32_t& result) {
+        return errors_of([&] {
+            result = kob::KOB_H5Dwrite(name, values.data(), kob::type_code::integer, 4, 4, dims.data(), 1, nullptr,
+                                       nullptr, kob::access_mode::whole, file_, 0, params.data(), {.links = found});
+        });
+    };
     for (const char* name : {"res", "entid"}) {
         EXPECT_TRUE(links.has(name));
-        EXPECT_EQ(left_open_by([&] { EXPECT_FALSE(links.open(name)); }), "");
+        EXPECT_FALSE(is_dataset(links.open(name)));
+        std::int32_t by_link = 0;
+        std::int32_t by_name = 0;
+        EXPECT_EQ(left_open_by([&] { EXPECT_EQ(write(name, &links, by_link), write(name, nullptr, by_name)); }), "");
+        EXPECT_EQ(by_link, by_name);
+        EXPECT_LT(by_link, 0);
     }
+}
+
+TEST_F(Links, A_group_is_opened_while_its_links_are_looked_for)
+{
+    const Hid group = create_group(create_group(file_, "outer"), "inner");
+    put(group, "res");
+    EXPECT_EQ(left_open_by([&] {
+                  GroupLinks links{file_, "outer/inner", {"entid", "res"}};
+                  const kob::Id opened = links.release_group();
+                  ASSERT_TRUE(opened);
+                  EXPECT_TRUE(links.knows(opened.get()));
+                  EXPECT_FALSE(links.knows(group));
+                  EXPECT_FALSE(links.has("entid"));
+                  EXPECT_TRUE(is_dataset(links.open("res")));
+                  EXPECT_EQ(H5Iget_type(opened.get()), H5I_GROUP);
+                  EXPECT_EQ(H5Iget_ref(opened.get()), 1);
+                  EXPECT_GT(H5Lexists(opened.get(), "res", H5P_DEFAULT), 0);
+              }),
+              "");
+}
+
+TEST_F(Links, A_group_that_nobody_takes_is_closed)
+{
+    put(create_group(file_, "group"), "res");
+    EXPECT_EQ(left_open_by([&] { EXPECT_TRUE((GroupLinks{file_, "group", {"res"}}.has("res"))); }), "");
+}
+
+TEST_F(Links, No_group_is_opened_where_there_is_none)
+{
+    create_group(file_, "empty");
+    put(file_, "res");
+    const QuietHdf5 quiet;
+    for (const char* path : {"empty", "res", "missing", "missing/too", ""}) {
+        EXPECT_EQ(left_open_by([&] {
+                      GroupLinks links{file_, path, {"res"}};
+                      EXPECT_FALSE(links.release_group()) << path;
+                      EXPECT_FALSE(links.has("res")) << path;
+                  }),
+                  "");
+    }
+}
+
+TEST_F(Links, A_group_of_many_links_is_opened_all_the_same)
+{
+    const Hid group = create_group(file_, "group");
+    for (int i = 0; i < 40; ++i) put(group, "a" + std::to_string(i));
+    const QuietHdf5 quiet;
+    GroupLinks links{file_, "group", {"res"}};
+    const kob::Id opened = links.release_group();
+    EXPECT_TRUE(opened);
+    EXPECT_TRUE(links.is_of(opened.get()));
+    EXPECT_FALSE(links.knows(opened.get()));
 }
 
 TEST_F(Links, A_group_of_many_links_is_left_to_searches_by_name)
