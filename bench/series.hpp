@@ -11,6 +11,7 @@ struct SeriesSet {
     std::int32_t nent = 0; ///< below 1,000, or a multiple of the 1,000 rows that a chunk then has
     std::int32_t ncoo = 0;
     Packing packing{};
+    bool stays_open = false; ///< does the library's caller keep the block's group open, too?
 };
 
 /// What a caller holds of the series: the state at hand, as of entity results of one state.

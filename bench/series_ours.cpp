@@ -3,7 +3,10 @@
 #include "ours.hpp"
 #include "series.hpp"
 
+#include <array>
 #include <memory>
+#include <optional>
+#include <string>
 
 namespace bench {
 namespace {
@@ -25,14 +28,45 @@ void append_state(const File& results, const Block& b, std::int32_t step, const 
     check(status, "KOB_WRITE_MULTIENTITYRESULTS");
 }
 
+/// Adds a state to a series whose block is open.
+void append_state(const OpenBlock& block, const Block& b, std::int32_t step, const FilterArguments& filters)
+{
+    const std::int32_t eight_bytes = 8;
+    const std::int32_t not_used = 0;
+    const std::int32_t by_block = 1;
+    const std::array<std::int64_t, 3> count{1, b.nent, b.ncoo};
+    const std::array<std::int64_t, 3> start{step, 0, 0};
+    std::int32_t nstate = 0;
+    std::int32_t status = 0;
+    KOB_WRITE_MULTIENTITYRESULTS2(block.group(), nullptr, nullptr, run.data(), b.etyp.data(), &b.nent, b.etypvar.data(),
+                                  &b.ncoo, b.etypzone.data(), &b.zoneid, b.etypframe.data(), &b.fswitch, &b.dmpswitch,
+                                  &b.nindex, &b.indexident, &b.indexval, b.entid.data(), &b.fidglob, nullptr, nullptr,
+                                  nullptr, b.res.data(), &eight_bytes, &not_used, &filters.flags, filters.params.data(),
+                                  &eight_bytes, &by_block, count.data(), start.data(), &nstate, &status);
+    check(status, "KOB_WRITE_MULTIENTITYRESULTS2");
+}
+
+std::string series_path(const std::string& variable)
+{
+    return "multistate/RUN/multientityresults/NODE/" + variable + "/kobblock";
+}
+
 Work append(const SeriesSet& set, const std::string& file, Digest*)
 {
     return [set, file, state = std::make_shared<State>(set)] {
         const File results{file, create};
         const FilterArguments filters{set.packing};
+        std::optional<OpenBlock> block;
         for (std::int32_t step = 0; step < set.states; ++step) {
             state->select(step);
-            append_state(results, *state, step, filters);
+            if (block) {
+                append_state(*block, *state, step, filters);
+            } else {
+                append_state(results, *state, step, filters);
+            }
+            if (set.stays_open && !block) {
+                block.emplace(results, series_path("DISPLACEMENT"));
+            }
         }
     };
 }
@@ -72,8 +106,7 @@ Work read(const ResultSet& set, const std::string& file, Digest* digest)
         const File results{file, read_only};
         std::vector<std::unique_ptr<OpenBlock>> series;
         for (const std::string& variable : set.variables) {
-            series.push_back(std::make_unique<OpenBlock>(results, "multistate/RUN/multientityresults/NODE/" + variable +
-                                                                      "/kobblock"));
+            series.push_back(std::make_unique<OpenBlock>(results, series_path(variable)));
         }
         for (std::int32_t state = 0; state < set.states; ++state) {
             for (const auto& of_variable : series) {
