@@ -9,9 +9,7 @@ namespace kob {
 
 std::int32_t open_nstate(Writer& io, Id& nstate, Report report)
 {
-    const hsize_t one = 1;
-    return KOB_H5Aread("nstate", nullptr, type_code::integer, sizeof(std::int32_t), &one, 0, io.place(Where::header),
-                       nullptr, report, nullptr, &nstate);
+    return KOB_H5Aopen("nstate", io.place(Where::header), report, nstate);
 }
 
 std::int32_t end_states(Writer& io, const char* values, bool is_new, Id opened)

@@ -112,11 +112,13 @@ std::int32_t KOB_H5Dwrite(const char* name, const void* data, std::int32_t kob_t
                           const std::int32_t* filter_params, WriteOptions options = {});
 
 /// Reads an attribute of the expected shape; rank 0 expects one element. `stored_size` may be null.
-/// `plain` is the short way to the same location, if there is one. `kept` receives the attribute instead of its value
-/// being read: open, and known to be as expected.
+/// `plain` is the short way to the same location, if there is one.
 std::int32_t KOB_H5Aread(const char* name, void* data, std::int32_t kob_type, std::size_t data_size,
                          const hsize_t* dims, std::int32_t rank, hid_t location, std::uint64_t* stored_size,
-                         Report report = Report::loud, const plain::Block* plain = nullptr, Id* kept = nullptr);
+                         Report report = Report::loud, const plain::Block* plain = nullptr);
+
+/// Opens the attribute of an integer to write over it. It is refused as by a read.
+std::int32_t KOB_H5Aopen(const char* name, hid_t location, Report report, Id& attribute);
 
 /// Writes over the integer of an attribute that is open, and closes it.
 std::int32_t KOB_H5Arewrite(const char* name, std::int32_t number, Id attribute);

@@ -37,6 +37,59 @@ std::optional<OtherShape> other_shape(hid_t attribute, std::size_t size, const h
     return differing >= 0 ? std::optional{OtherShape{false, differing}} : std::nullopt;
 }
 
+/// The arguments of one attribute read, but for the value.
+struct AttributeCall {
+    const char* name;
+    std::int32_t kob_type;
+    std::size_t data_size;
+    const hsize_t* dims;
+    std::int32_t rank;
+    Report report;
+
+    std::int32_t refuse(Condition condition, std::int32_t quantity = -1) const
+    {
+        if (report == Report::loud) {
+            report_error(message::attribute_read, condition.number, name, kob_type, data_size, quantity);
+        }
+        return condition.code;
+    }
+};
+
+struct OpenedAttribute {
+    Id attribute;
+    Id stored; ///< its type
+    hid_t memory = H5I_INVALID_HID;
+    std::size_t size = 0; ///< of a stored element, once its class is known to be right
+};
+
+/// Opens an attribute and compares it with what the caller expects.
+std::int32_t open_attribute(const AttributeCall& call, hid_t location, OpenedAttribute& opened)
+{
+    using namespace attribute_read;
+    H5T_class_t type_class{};
+    if (KOB_H5gettype(call.kob_type, call.data_size, type_class, opened.memory) != 0) {
+        return call.refuse(memory_type);
+    }
+    opened.attribute = Id{H5Aopen(location, call.name, H5P_DEFAULT), H5Aclose};
+    if (!opened.attribute) {
+        return call.refuse(missing);
+    }
+    opened.stored = Id{H5Aget_type(opened.attribute.get()), H5Tclose};
+    const bool is_stored_as_asked = is_stored_as(opened.stored.get(), opened.memory, call.kob_type);
+    if (const H5T_class_t found = is_stored_as_asked ? type_class : stored_class(opened.stored.get());
+        found != type_class) {
+        return call.refuse(other_class, found);
+    }
+    opened.size = is_stored_as_asked ? call.data_size : H5Tget_size(opened.stored.get());
+    if (call.kob_type != type_code::real && opened.size > call.data_size) {
+        return call.refuse(call.kob_type == type_code::text ? wider_text : wider_integer, printable(opened.size));
+    }
+    if (const auto other = other_shape(opened.attribute.get(), opened.size, call.dims, call.rank)) {
+        return call.refuse(other->is_rank ? other_rank : other_extent, other->quantity);
+    }
+    return 0;
+}
+
 } // namespace
 
 std::int32_t KOB_H5Awrite(const char* name, const void* data, std::int32_t kob_type, std::size_t data_size,
@@ -120,16 +173,8 @@ std::int32_t KOB_H5Awrite(const char* name, const void* data, std::int32_t kob_t
 
 std::int32_t KOB_H5Aread(const char* name, void* data, std::int32_t kob_type, std::size_t data_size,
                          const hsize_t* dims, std::int32_t rank, hid_t location, std::uint64_t* stored_size,
-                         Report report, const plain::Block* plain, Id* kept)
+                         Report report, const plain::Block* plain)
 {
-    using namespace attribute_read;
-    const auto refuse = [&](Condition condition, std::int32_t quantity = -1) {
-        if (report == Report::loud) {
-            report_error(message::attribute_read, condition.number, name, kob_type, data_size, quantity);
-        }
-        return condition.code;
-    };
-
     if (is_empty(dims, rank)) {
         return 0;
     }
@@ -137,42 +182,34 @@ std::int32_t KOB_H5Aread(const char* name, void* data, std::int32_t kob_type, st
         plain->read_attribute({name, kob_type, data_size, dims, rank, data})) {
         return 0;
     }
-    H5T_class_t type_class{};
-    hid_t memory = H5I_INVALID_HID;
-    if (KOB_H5gettype(kob_type, data_size, type_class, memory) != 0) {
-        return refuse(memory_type);
+    const AttributeCall call{name, kob_type, data_size, dims, rank, report};
+    OpenedAttribute opened;
+    const std::int32_t status = open_attribute(call, location, opened);
+    if (stored_size != nullptr && opened.size > 0) {
+        *stored_size = opened.size;
     }
-    Id attribute{H5Aopen(location, name, H5P_DEFAULT), H5Aclose};
-    if (!attribute) {
-        return refuse(missing);
+    if (status != 0) {
+        return status;
     }
-    const Id stored{H5Aget_type(attribute.get()), H5Tclose};
-    const bool is_stored_as_asked = is_stored_as(stored.get(), memory, kob_type);
-    if (const H5T_class_t found = is_stored_as_asked ? type_class : stored_class(stored.get()); found != type_class) {
-        return refuse(other_class, found);
-    }
-    const std::size_t size = is_stored_as_asked ? data_size : H5Tget_size(stored.get());
-    if (stored_size != nullptr) {
-        *stored_size = size;
-    }
-    if (kob_type != type_code::real && size > data_size) {
-        return refuse(kob_type == type_code::text ? wider_text : wider_integer, printable(size));
-    }
-    if (const auto other = other_shape(attribute.get(), size, dims, rank)) {
-        return refuse(other->is_rank ? other_rank : other_extent, other->quantity);
-    }
-    if (kept != nullptr) {
-        *kept = std::move(attribute);
-        return 0;
-    }
-    const hid_t transferred = kob_type == type_code::text ? stored.get() : memory;
-    if (const herr_t result = H5Aread(attribute.get(), transferred, data); result < 0) {
-        return refuse(read, result);
+    const hid_t transferred = kob_type == type_code::text ? opened.stored.get() : opened.memory;
+    if (const herr_t result = H5Aread(opened.attribute.get(), transferred, data); result < 0) {
+        return call.refuse(attribute_read::read, result);
     }
     if (kob_type == type_code::text && rank == 0) {
-        std::fill_n(static_cast<char*>(data) + size, data_size - size, ' ');
+        std::fill_n(static_cast<char*>(data) + opened.size, data_size - opened.size, ' ');
     }
     return 0;
+}
+
+std::int32_t KOB_H5Aopen(const char* name, hid_t location, Report report, Id& attribute)
+{
+    OpenedAttribute opened;
+    const std::int32_t status =
+        open_attribute({name, type_code::integer, sizeof(std::int32_t), nullptr, 0, report}, location, opened);
+    if (status == 0) {
+        attribute = std::move(opened.attribute);
+    }
+    return status;
 }
 
 std::int32_t KOB_H5Arewrite(const char* name, std::int32_t number, Id attribute)
