@@ -98,10 +98,10 @@ TEST(Erase, TheFileIsReplacedWhenAllWentWell)
 TEST(Erase, AnOutputLeavesTheFileAsItIs)
 {
     RunFile run;
-    const std::string before = content_of(run.path());
+    const std::string before = bytes_of(run.path());
     const std::string out = (fs::path{run.path()}.parent_path() / "short.kob").string();
     EXPECT_EQ(run_program({"erase", run.path(), "--after", "1", "--output", out}).exit_code, 0);
-    EXPECT_EQ(content_of(run.path()), before);
+    EXPECT_EQ(bytes_of(run.path()), before);
     EXPECT_THAT(states_of_series(out), ElementsAre(1));
 }
 
@@ -113,7 +113,7 @@ TEST(Erase, AnExistingOutputNeedsForce)
     const Outcome refused = run_program({"erase", run.path(), "--after", "1", "--output", other.path()});
     EXPECT_EQ(refused.exit_code, 2);
     EXPECT_EQ(refused.err, "kob erase: \"" + other.path() + "\" exists; --force replaces it\n");
-    EXPECT_EQ(content_of(other.path()), "mine");
+    EXPECT_EQ(bytes_of(other.path()), "mine");
     EXPECT_EQ(run_program({"erase", run.path(), "--after", "1", "--output", other.path(), "--force"}).exit_code, 0);
     EXPECT_THAT(states_of_series(other.path()), ElementsAre(1));
 }
@@ -154,7 +154,7 @@ TEST(Erase, RightsAreKept)
 TEST(Erase, ADryRunSaysAllAndChangesNothing)
 {
     RunFile run;
-    const std::string before = content_of(run.path());
+    const std::string before = bytes_of(run.path());
     for (const char* way : {"--quiet", "--in-place"}) {
         const Outcome dry = run_program({"erase", run.path(), "--dry-run", way, "--after", "1"});
         EXPECT_EQ(dry.exit_code, 0);
@@ -164,7 +164,7 @@ TEST(Erase, ADryRunSaysAllAndChangesNothing)
             EXPECT_THAT(dry.out, StartsWith("delete " + state2 + "\ncut " + series_path + " from 3 to 1 states\n" +
                                             run.path() + ": 1 blocks deleted, 1 series cut, 4 unchanged; "));
         }
-        EXPECT_EQ(content_of(run.path()), before);
+        EXPECT_EQ(bytes_of(run.path()), before);
         EXPECT_THAT(names_in(fs::path{run.path()}.parent_path()), ElementsAre("run.kob"));
     }
 }
@@ -219,11 +219,11 @@ TEST(Erase, WhatCannotBeErasedLeavesTheFileAsItWas)
         const Hid block = open_group(file, "post/" + series_path);
         ASSERT_GE(H5Ldelete(block, "res", H5P_DEFAULT), 0);
     }
-    const std::string before = content_of(run.path());
+    const std::string before = bytes_of(run.path());
     const Outcome failed = run_program({"erase", run.path(), "--after", "1"});
     EXPECT_EQ(failed.exit_code, 3);
     EXPECT_THAT(failed.err, HasSubstr("kob erase: the states cannot be erased (status -1000)\n"));
-    EXPECT_EQ(content_of(run.path()), before);
+    EXPECT_EQ(bytes_of(run.path()), before);
     EXPECT_THAT(names_in(fs::path{run.path()}.parent_path()), ElementsAre("run.kob"));
 }
 
@@ -235,7 +235,7 @@ TEST(Erase, FilesThatAreNoneAreRefused)
     const Outcome refused = run_program({"erase", file.path(), "--after", "1"});
     EXPECT_EQ(refused.exit_code, 3);
     EXPECT_EQ(refused.err, "kob erase: " + file.path() + ": is not an HDF5 file\n");
-    EXPECT_EQ(content_of(file.path()), "no result");
+    EXPECT_EQ(bytes_of(file.path()), "no result");
     KobFile bare;
     write_index(bare);
     bare.close();
@@ -278,7 +278,7 @@ TEST(Erase, RepackGivesTheSpaceBack)
 TEST(Erase, WithoutTheRepackingProgramTheFileStaysAsItWas)
 {
     RunFile run;
-    const std::string before = content_of(run.path());
+    const std::string before = bytes_of(run.path());
     ASSERT_EQ(setenv("KOB_H5REPACK", "/nowhere/h5repack", 1), 0);
     const Outcome missing = run_program({"erase", run.path(), "--repack", "--after", "1"});
     ASSERT_EQ(setenv("KOB_H5REPACK", "false", 1), 0);
@@ -288,7 +288,7 @@ TEST(Erase, WithoutTheRepackingProgramTheFileStaysAsItWas)
     EXPECT_THAT(missing.err, HasSubstr("KOB_H5REPACK"));
     EXPECT_EQ(failing.exit_code, 3);
     EXPECT_EQ(failing.err, "kob erase: \"false\" failed\n");
-    EXPECT_EQ(content_of(run.path()), before);
+    EXPECT_EQ(bytes_of(run.path()), before);
     EXPECT_THAT(names_in(fs::path{run.path()}.parent_path()), ElementsAre("run.kob"));
 }
 

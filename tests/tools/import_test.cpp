@@ -502,21 +502,21 @@ TEST(Import, never_replaces_a_file_unasked)
     Outcome outcome = c.import();
     EXPECT_EQ(outcome.exit_code, 2);
     EXPECT_THAT(outcome.err, HasSubstr("exists; --force replaces it"));
-    EXPECT_EQ(content_of(c.kob()), "precious");
+    EXPECT_EQ(bytes_of(c.kob()), "precious");
 
     EXPECT_EQ(c.import({"--force"}).exit_code, 0);
     ImportCheck{c.frd(), c.kob()}.run();
 
     // A forced import that fails keeps what is there.
-    const std::string before = content_of(c.kob());
+    const std::string before = bytes_of(c.kob());
     std::ofstream{c.frd()} << head;
     EXPECT_EQ(c.import({"--force"}).exit_code, 3);
-    EXPECT_EQ(content_of(c.kob()), before);
+    EXPECT_EQ(bytes_of(c.kob()), before);
     EXPECT_THAT(c.files(), ElementsAre("run.frd", "run.kob"));
 
     outcome = run_program({"import", c.frd(), c.frd(), "--force"});
     EXPECT_EQ(outcome.exit_code, 2);
-    EXPECT_EQ(content_of(c.frd()), head);
+    EXPECT_EQ(bytes_of(c.frd()), head);
 }
 
 TEST(Import, of_nothing_to_nowhere_is_refused)

@@ -108,7 +108,7 @@ TEST_F(LinkVerb, AnExistingTargetNeedsForce)
 {
     std::ofstream{master_} << "mine";
     EXPECT_EQ(run_program({"link", master_, a_}).exit_code, 2);
-    EXPECT_EQ(content_of(master_), "mine");
+    EXPECT_EQ(bytes_of(master_), "mine");
     EXPECT_EQ(run_program({"link", master_, a_, "--force", "--quiet"}).out, "");
     EXPECT_EQ(paths_in(master_), paths_in(a_));
 }
@@ -126,7 +126,7 @@ TEST_F(LinkVerb, AMissingSourceLeavesTheTargetAsItWas)
     std::ofstream{master_} << "mine";
     const Outcome failed = run_program({"link", master_, a_, folder_ / "missing.kob", "--separate", "--force"});
     EXPECT_EQ(failed.exit_code, 3);
-    EXPECT_EQ(content_of(master_), "mine");
+    EXPECT_EQ(bytes_of(master_), "mine");
     EXPECT_EQ(run_program({"link", a_, a_, "--force"}).exit_code, 2);
     EXPECT_EQ(run_program({"link", master_}).exit_code, 2);
 }

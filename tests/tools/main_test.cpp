@@ -147,13 +147,13 @@ TEST(Program, RefusesAGroupThatIsNotInTheFile)
 TEST(Program, LeavesTheFileAsItWas)
 {
     const SampleFile file;
-    const std::string before = content_of(file.path());
+    const std::string before = bytes_of(file.path());
     for (std::vector<std::string> arguments : reading_verbs()) {
         arguments.push_back(file.path());
         if (arguments.front() == "show") arguments.emplace_back("0");
         EXPECT_EQ(run_program(arguments).exit_code, 0);
     }
-    EXPECT_EQ(content_of(file.path()), before);
+    EXPECT_EQ(bytes_of(file.path()), before);
 }
 
 TEST(Program, ReportsAnOutputThatCannotBeWritten)

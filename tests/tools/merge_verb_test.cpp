@@ -148,7 +148,7 @@ TEST_F(MergeVerb, AFailedMergeLeavesTheTargetAsItWas)
     EXPECT_EQ(failed.exit_code, 3);
     EXPECT_THAT(failed.err, HasSubstr("KOB ERROR - kob_merge_dmp - block"));
     EXPECT_THAT(failed.err, HasSubstr("kob merge: the files cannot be merged (status -1)\n"));
-    EXPECT_EQ(content_of(out_), "mine");
+    EXPECT_EQ(bytes_of(out_), "mine");
     EXPECT_EQ(names(), (std::vector<std::string>{"part_1.kob", "part_2.kob", "whole.kob"})) << "no draft stays";
 }
 
@@ -158,19 +158,19 @@ TEST_F(MergeVerb, AnExistingTargetNeedsForce)
     const Outcome refused = run_program(merge());
     EXPECT_EQ(refused.exit_code, 2);
     EXPECT_EQ(refused.err, "kob merge: \"" + out_ + "\" exists; --force replaces it\n");
-    EXPECT_EQ(content_of(out_), "mine");
+    EXPECT_EQ(bytes_of(out_), "mine");
     EXPECT_EQ(run_program(merge({"--force"})).exit_code, 0);
-    EXPECT_NE(content_of(out_), "mine");
+    EXPECT_NE(bytes_of(out_), "mine");
 }
 
 TEST_F(MergeVerb, SourcesThatCannotBeMergedAreRefused)
 {
-    const std::string before = content_of(first_);
+    const std::string before = bytes_of(first_);
     EXPECT_EQ(run_program({"merge", first_, first_, second_, "--force"}).exit_code, 2);
     EXPECT_EQ(run_program({"merge", out_, first_, first_}).exit_code, 2);
     EXPECT_EQ(run_program({"merge", out_, first_, folder_ / "missing.kob"}).exit_code, 3);
     EXPECT_EQ(run_program({"merge", out_}).exit_code, 2);
-    EXPECT_EQ(content_of(first_), before);
+    EXPECT_EQ(bytes_of(first_), before);
     EXPECT_FALSE(fs::exists(out_));
 }
 

@@ -255,7 +255,7 @@ TEST_F(OlderMergeVerb, ADamagedFileLeavesTheTargetAsItWas)
     EXPECT_THAT(failed.err, HasSubstr("KOB ERROR - data not found\n"));
     EXPECT_THAT(failed.err, HasSubstr("constant/parts/PART/kobblock"));
     EXPECT_THAT(failed.err, HasSubstr("kob merge: the files cannot be merged (status -1)\n"));
-    EXPECT_EQ(content_of(target_), "mine");
+    EXPECT_EQ(bytes_of(target_), "mine");
     EXPECT_EQ(std::distance(fs::directory_iterator{folder_.path()}, fs::directory_iterator{}), domain_count + 1)
         << "no draft stays";
 }

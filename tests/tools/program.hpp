@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <fstream>
 #include <iterator>
 #include <sstream>
 #include <string>
@@ -17,6 +16,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "file_bytes.hpp"
 #include "temp_file.hpp"
 
 namespace kob_test {
@@ -44,12 +44,6 @@ private:
     }
 };
 using Outcome = ProgramOutcome; // a name of its own for the linker: calls of the library have outcomes, too
-
-inline std::string content_of(const std::string& path)
-{
-    std::ifstream stream{path, std::ios::binary};
-    return {std::istreambuf_iterator<char>{stream}, {}};
-}
 
 /// Puts the program's name before its arguments, in the form that exec takes.
 inline std::vector<char*> program_words(std::vector<std::string>& arguments)
@@ -82,8 +76,8 @@ inline Outcome run_program(std::vector<std::string> arguments, const std::string
     EXPECT_EQ(waitpid(child, &wait_status, 0), child);
     Outcome outcome;
     if (WIFEXITED(wait_status)) outcome.exit_code = WEXITSTATUS(wait_status);
-    if (out_path.empty()) outcome.out = content_of(out);
-    outcome.err = content_of(err);
+    if (out_path.empty()) outcome.out = bytes_of(out);
+    outcome.err = bytes_of(err);
     return outcome;
 }
 

@@ -158,19 +158,19 @@ TEST_F(Upgrade, StoresSmallFloatsWhenAsked)
 TEST_F(Upgrade, LeavesAnExistingFileAlone)
 {
     ASSERT_EQ(upgrade().exit_code, 0);
-    const std::string before = content_of(current_);
+    const std::string before = bytes_of(current_);
     const Outcome again = upgrade();
     EXPECT_EQ(again.exit_code, 2);
     EXPECT_TRUE(contains(again.err, "exists; --force replaces it")) << again.err;
-    EXPECT_EQ(content_of(current_), before);
+    EXPECT_EQ(bytes_of(current_), before);
     EXPECT_EQ(upgrade({"--force"}).exit_code, 0);
 }
 
 TEST_F(Upgrade, RefusesTheInputAsOutput)
 {
-    const std::string before = content_of(older_.path());
+    const std::string before = bytes_of(older_.path());
     EXPECT_EQ(run_program({"upgrade", older_.path(), older_.path(), "--force"}).exit_code, 2);
-    EXPECT_EQ(content_of(older_.path()), before);
+    EXPECT_EQ(bytes_of(older_.path()), before);
 }
 
 TEST_F(Upgrade, RefusesFilesOfTheCurrentLayoutAndOfBoth)
