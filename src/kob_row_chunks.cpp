@@ -1,21 +1,25 @@
 // SPDX-License-Identifier: BSD-3-Clause
 #include "kob_row_chunks.hpp"
 
+#include "kob_storage_filters.hpp"
+
 #include <array>
 
 namespace kob {
 namespace {
 
-/// Where the first two chunks begin.
+/// The first two chunks, as the index has them.
 struct FirstChunks {
     int seen = 0;
-    hsize_t row = 0; ///< of the second one
+    hsize_t row = 0; ///< where the second one begins
+    std::array<hsize_t, 2> sizes{};
 };
 
-int note_chunk(const hsize_t* offset, unsigned, haddr_t, hsize_t, void* data)
+int note_chunk(const hsize_t* offset, unsigned, haddr_t, hsize_t size, void* data)
 {
     auto& chunks = *static_cast<FirstChunks*>(data);
     chunks.row = offset[0];
+    chunks.sizes[static_cast<std::size_t>(chunks.seen)] = size;
     return ++chunks.seen == 2 ? H5_ITER_STOP : H5_ITER_CONT;
 }
 
@@ -32,12 +36,15 @@ hsize_t chunk_size(hid_t dataset) noexcept
 
 // The creation properties would tell as well, but asking for them costs more than writing a small row. A chunk that
 // begins with row 1 has one row, for chunks begin at multiples of their extents. One of a row's size holds all of it,
-// for HDF5 makes no chunk that is longer than a fixed extent; a row of one element has no parts.
+// for HDF5 makes no chunk that is longer than a fixed extent. What the index says of sizes a damage may have changed; of
+// rows that may lie in parts the layout is asked, too.
 bool has_row_chunks(hid_t dataset, hsize_t row_elements, std::size_t element_size) noexcept
 {
+    const hsize_t row_size = row_elements * element_size;
     FirstChunks chunks;
     return H5Dchunk_iter(dataset, H5P_DEFAULT, note_chunk, &chunks) >= 0 && chunks.seen == 2 && chunks.row == 1 &&
-           (row_elements == 1 || chunk_size(dataset) == row_elements * element_size);
+           chunks.sizes == std::array{row_size, row_size} &&
+           (row_elements < smallest_divided_extent || chunk_size(dataset) == row_size);
 }
 
 } // namespace kob

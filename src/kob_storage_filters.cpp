@@ -17,9 +17,7 @@ constexpr hsize_t largest_unfiltered_count = 7; // so few elements never pay for
 constexpr std::int32_t largest_scale_factor = 256;
 constexpr std::int32_t largest_deflate_level = 9;
 
-// Fixed extents from here on are divided into chunks of 1000 to 2000 elements.
-constexpr hsize_t smallest_divided_extent = 1000;
-constexpr hsize_t largest_divided_chunk = 2000;
+constexpr hsize_t largest_divided_chunk = 2000; // the smallest is smallest_divided_extent
 
 bool grows(const LayoutRequest& request)
 {

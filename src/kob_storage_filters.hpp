@@ -58,6 +58,9 @@ struct CreationProperties {
 };
 Refusal creation_properties(const LayoutRequest& request, SharedIds& shared, CreationProperties& properties);
 
+/// From here on fixed extents of growable datasets are divided into chunks.
+constexpr hsize_t smallest_divided_extent = 1000;
+
 /// Chunk extent of a fixed dimension of a growable dataset.
 hsize_t chunk_extent(hsize_t extent) noexcept;
 
