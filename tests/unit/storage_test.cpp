@@ -258,6 +258,11 @@ struct RealType {
 };
 constexpr RealType stored_double{63, 8, 0, 64, 52, 11, 0, 52, 1023};
 
+struct DamagedReal {
+    const char* damage;
+    RealType type;
+};
+
 } // namespace
 
 TEST_F(DamagedTypes, A_floating_number_with_parts_outside_of_its_element_is_of_no_class)
@@ -277,16 +282,12 @@ TEST_F(DamagedTypes, A_floating_number_with_parts_outside_of_its_element_is_of_n
     for (const auto& call : datasets) {
         ASSERT_EQ(call.write(at(), given.data()), fine);
     }
-    struct Row {
-        const char* damage;
-        RealType type;
-    };
-    for (const auto& row : {Row{"longer than its element", {63, 8, 0, 0x1040, 52, 11, 0, 52, 1023}},
-                            Row{"ends outside", {63, 8, 1, 64, 51, 11, 1, 50, 1023}},
-                            Row{"begins outside", {63, 8, 0xff00, 64, 52, 11, 0, 52, 1023}},
-                            Row{"begins in its mantissa", {63, 8, 16, 48, 52, 11, 0, 52, 1023}},
-                            Row{"shorter than its parts", {63, 8, 0, 32, 52, 11, 0, 52, 1023}},
-                            Row{"mantissa above all", {0, 8, 0, 64, 1, 11, 12, 52, 1023}}}) {
+    for (const auto& row : {DamagedReal{"longer than its element", {63, 8, 0, 0x1040, 52, 11, 0, 52, 1023}},
+                            DamagedReal{"ends outside", {63, 8, 1, 64, 51, 11, 1, 50, 1023}},
+                            DamagedReal{"begins outside", {63, 8, 0xff00, 64, 52, 11, 0, 52, 1023}},
+                            DamagedReal{"begins in its mantissa", {63, 8, 16, 48, 52, 11, 0, 52, 1023}},
+                            DamagedReal{"shorter than its parts", {63, 8, 0, 32, 52, 11, 0, 52, 1023}},
+                            DamagedReal{"mantissa above all", {0, 8, 0, 64, 1, 11, 12, 52, 1023}}}) {
         SCOPED_TRACE(row.damage);
         ASSERT_EQ(damage(stored_double.bytes(), row.type.bytes()), 5);
         std::vector<float> found(100, 7);
@@ -315,16 +316,12 @@ TEST_F(DamagedTypes, What_HDF5_itself_refuses_cannot_be_read_or_overwritten)
     const DatasetCall dataset{.name = "d", .type = real, .kob_size = 8, .dims = {100}};
     ASSERT_EQ(attribute.write(at(), given.data()), fine);
     ASSERT_EQ(dataset.write(at(), given.data()), fine);
-    struct Row {
-        const char* damage;
-        RealType type;
-    };
-    for (const auto& row : {Row{"sign outside", {64, 8, 0, 64, 52, 11, 0, 52, 1023}},
-                            Row{"exponent outside", {63, 8, 0, 64, 64, 11, 0, 52, 1023}},
-                            Row{"exponent ends outside", {51, 8, 0, 64, 52, 13, 0, 51, 1023}},
-                            Row{"mantissa outside", {63, 8, 0, 64, 52, 11, 70, 52, 1023}},
-                            Row{"exponent in the mantissa", {63, 8, 0, 64, 40, 11, 0, 52, 1023}},
-                            Row{"sign in the exponent", {60, 8, 0, 64, 52, 11, 0, 52, 1023}}}) {
+    for (const auto& row : {DamagedReal{"sign outside", {64, 8, 0, 64, 52, 11, 0, 52, 1023}},
+                            DamagedReal{"exponent outside", {63, 8, 0, 64, 64, 11, 0, 52, 1023}},
+                            DamagedReal{"exponent ends outside", {51, 8, 0, 64, 52, 13, 0, 51, 1023}},
+                            DamagedReal{"mantissa outside", {63, 8, 0, 64, 52, 11, 70, 52, 1023}},
+                            DamagedReal{"exponent in the mantissa", {63, 8, 0, 64, 40, 11, 0, 52, 1023}},
+                            DamagedReal{"sign in the exponent", {60, 8, 0, 64, 52, 11, 0, 52, 1023}}}) {
         SCOPED_TRACE(row.damage);
         ASSERT_EQ(damage(stored_double.bytes(), row.type.bytes()), 2);
         float found = 7;
